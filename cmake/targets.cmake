@@ -1,0 +1,33 @@
+# What every target of the project is compiled with.
+#   ktbase_native  programs for the build machine
+#   ktbase_32bit   the library and programs that link it: 32-bit x86, i686 baseline
+include(CheckCXXSourceCompiles)
+
+set(ktbase_m32 "")
+if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+  set(ktbase_m32 -m32)
+  set(CMAKE_REQUIRED_FLAGS -m32)
+  check_cxx_source_compiles("#include <string>\nint main() { return std::string().size(); }"
+    KTBASE_COMPILER_BUILDS_32_BIT)
+  unset(CMAKE_REQUIRED_FLAGS)
+  if(NOT KTBASE_COMPILER_BUILDS_32_BIT)
+    message(FATAL_ERROR "${CMAKE_CXX_COMPILER} cannot build 32-bit programs; on Debian, install g++-multilib")
+  endif()
+endif()
+
+add_library(ktbase_native INTERFACE)
+target_compile_features(ktbase_native INTERFACE cxx_std_20)
+target_compile_options(ktbase_native INTERFACE
+  -Wall -Wextra -Wpedantic $<$<BOOL:${KTBASE_WARNINGS_AS_ERRORS}>:-Werror>
+  # g++ 12 takes std::string concatenation for an overlapping copy (GCC bug 105651).
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+
+add_library(ktbase_32bit INTERFACE)
+target_link_libraries(ktbase_32bit INTERFACE ktbase_native)
+target_compile_options(ktbase_32bit INTERFACE ${ktbase_m32} -march=i686)
+target_link_options(ktbase_32bit INTERFACE ${ktbase_m32})
+if(KTBASE_SANITIZE)
+  target_compile_options(ktbase_32bit INTERFACE
+    -fsanitize=${KTBASE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(ktbase_32bit INTERFACE -fsanitize=${KTBASE_SANITIZE})
+endif()

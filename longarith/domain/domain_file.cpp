@@ -1,0 +1,61 @@
+// Reads a DSA domain from text.
+#include "domain_file.h"
+
+#include <map>
+#include <sstream>
+
+namespace {
+
+constexpr std::size_t kDigitsP = 128;
+constexpr std::size_t kDigitsQ = 40;
+constexpr std::size_t kDigitsPerLimb = 4;
+
+std::string trimmed(const std::string& text) {
+    const char* const blanks = " \t\r";
+    const std::size_t first = text.find_first_not_of(blanks);
+    if (first == std::string::npos) return "";
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+// The digits of `name`, exactly `width` of them, or up to `width` when `exact` is false.
+Limbs parse_number(const std::map<std::string, std::string>& numbers, const std::string& name,
+                   std::size_t width, bool exact) {
+    const auto found = numbers.find(name);
+    if (found == numbers.end()) throw DomainError("no line \"" + name + " = HEX\"");
+    std::string digits = found->second;
+    if (digits.size() > width || (exact && digits.size() < width))
+        throw DomainError(name + " has " + std::to_string(digits.size()) + " hexadecimal digits; " +
+                          (exact ? "" : "at most ") + std::to_string(width) + " are needed");
+    digits.insert(0, width - digits.size(), '0');
+    Limbs limbs;
+    for (std::size_t end = width; end != 0; end -= kDigitsPerLimb)
+        limbs.push_back(static_cast<unsigned short>(
+            std::stoul(digits.substr(end - kDigitsPerLimb, kDigitsPerLimb), nullptr, 16)));
+    return limbs;
+}
+
+}  // namespace
+
+Domain parse_domain(const std::string& text) {
+    std::map<std::string, std::string> numbers;
+    std::istringstream lines(text);
+    std::string line;
+    for (int number = 1; std::getline(lines, line); ++number) {
+        const std::string content = trimmed(line.substr(0, line.find('#')));
+        if (content.empty()) continue;
+        const std::string where = "line " + std::to_string(number) + ": ";
+        const std::size_t equals = content.find('=');
+        if (equals == std::string::npos) throw DomainError(where + "not of the form NAME = HEX");
+        const std::string name = trimmed(content.substr(0, equals));
+        const std::string digits = trimmed(content.substr(equals + 1));
+        if (name != "p" && name != "q" && name != "g")
+            throw DomainError(where + "the names are p, q and g");
+        if (digits.empty() ||
+            digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
+            throw DomainError(where + name + " is not a hexadecimal number");
+        if (!numbers.emplace(name, digits).second)
+            throw DomainError(where + name + " is given twice");
+    }
+    return {parse_number(numbers, "p", kDigitsP, true), parse_number(numbers, "q", kDigitsQ, true),
+            parse_number(numbers, "g", kDigitsP, false)};
+}

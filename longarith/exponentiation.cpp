@@ -1,0 +1,90 @@
+// g^e1 * y^e2 modulo the built-in p: one simultaneous sliding-window exponentiation.
+#include "domain_parameters.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace {
+
+constexpr int kChunks = 4;  // each exponent is cut into four chunks of 40 bits
+constexpr int kChunkBytes = 5;
+constexpr short kChunkBits = 8 * kChunkBytes;
+constexpr int kCursors = 2 * kChunks;
+
+// Walks one chunk of an exponent from its top, window by window.
+struct Cursor {
+    unsigned char* chunk;
+    const unsigned short* powers;  // odd powers of the chunk's base, in Montgomery form
+    short width;
+    short position;  // of the current window's lowest bit; -1 once the chunk is used up
+    short window;
+
+    void advance() { stelLAN(chunk, &position, &window, width); }
+    const unsigned short* power() const { return powers + window * kLimbsP; }
+};
+
+// Multiplies in every window whose lowest bit is at `level`.
+void multiply_windows(unsigned short* out, Cursor* cursors, int level) {
+    for (Cursor* cursor = cursors; cursor != cursors + kCursors; ++cursor) {
+        if (cursor->position != level) continue;
+        multiply_mod_p(out, cursor->power());
+        cursor->advance();
+    }
+}
+
+// 2^512 mod p, which is 2^512 - p because p has 512 bits.
+void set_to_one(unsigned short* out) {
+    std::fill_n(out, kLimbsP, static_cast<unsigned short>(0));
+    subtLAN(out, read_only(DsaP), kLimbsP);
+}
+
+}  // namespace
+
+void stelLAN(unsigned char* e, short* pos, short* win, short w) {
+    const int start = --*pos;
+    if (start < 0) return;
+    int byte = start / 8;
+    unsigned bits = e[byte] & (0xFFU >> (7 - start % 8));
+    while (bits == 0 && byte > 0) bits = e[--byte];
+    if (bits == 0) {
+        *pos = -1;
+        return;
+    }
+    const int high = 8 * byte + std::bit_width(bits) - 1;
+    const int low = std::max(high - w + 1, 0);
+    // At most 8 bits wide, the window reaches into one lower byte at most.
+    if (low / 8 != byte) bits = bits << 8 | e[byte - 1];
+    bits >>= low % 8;  // nothing is set above bit `high`
+    const int zeros = std::countr_zero(bits);
+    *pos = static_cast<short>(low + zeros);
+    *win = static_cast<short>((bits >> zeros) / 2);
+}
+
+void expmodLAN(unsigned short* out, unsigned char* e1, unsigned short* ytab, unsigned char* e2) {
+    // In the order of advance: chunk 0 of e1, chunk 0 of e2, chunk 1 of e1, ...
+    Cursor cursors[kCursors];
+    Cursor* leading = nullptr;
+    for (int i = 0; i < kCursors; ++i) {
+        const int j = i / 2;
+        Cursor& cursor = cursors[i];
+        if (i % 2 == 0)
+            cursor = {e1 + kChunkBytes * j, DsaBaseTable + 16 * kLimbsP * j, 5, kChunkBits, 0};
+        else
+            cursor = {e2 + kChunkBytes * j, ytab + 2 * kLimbsP * j, 2, kChunkBits, 0};
+        cursor.advance();
+        if (cursor.position > (leading != nullptr ? leading->position : -1)) leading = &cursor;
+    }
+    if (leading == nullptr) {
+        set_to_one(out);
+        return;
+    }
+
+    int level = leading->position;
+    std::copy_n(leading->power(), kLimbsP, out);
+    leading->advance();
+    multiply_windows(out, cursors, level);
+    while (--level >= 0) {
+        multiply_mod_p(out, out);
+        multiply_windows(out, cursors, level);
+    }
+}

@@ -1,0 +1,100 @@
+// Verification of a DSA signature (FIPS 186, section 6) in the built-in domain.
+#include "domain_parameters.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int kValid = 0;
+constexpr int kIsZero = 0x707;
+constexpr int kOutOfRange = 0x7707;
+constexpr int kNoMatch = 0xF0F;
+
+constexpr int kKeyNumbers = 4;
+constexpr short kBytesP = 64;
+
+// True when the number of kLimbsQ limbs is q or more.
+bool reaches_q(const unsigned short* a) {
+    for (int i = kLimbsQ - 1; i >= 0; --i)
+        if (a[i] != DsaQ[i]) return a[i] > DsaQ[i];
+    return true;
+}
+
+// Reads r or s from the signature and judges its range.
+int read_in_range(unsigned char* bytes, unsigned short* number) {
+    packLAN(bytes, number, kExponentBytes);
+    if (reaches_q(number)) return kOutOfRange;
+    const bool zero =
+        std::all_of(number, number + kLimbsQ, [](unsigned short limb) { return limb == 0; });
+    return zero ? kIsZero : kValid;
+}
+
+// The table of powers that expmodLAN takes: each number of the key, and its cube.
+void build_key_powers(unsigned char* key, unsigned short* powers) {
+    for (int j = 0; j < kKeyNumbers; ++j) {
+        unsigned short* const y = powers + 2 * j * kLimbsP;
+        unsigned short* const cube = y + kLimbsP;
+        packLAN(key + kBytesP * j, y, kBytesP);
+        unsigned short square[kLimbsP];
+        std::copy_n(y, kLimbsP, square);
+        multiply_mod_p(square, y);
+        std::copy_n(y, kLimbsP, cube);
+        multiply_mod_p(cube, square);
+    }
+}
+
+// exponent = w*factor modulo q, at most 160 bits.
+void make_exponent(const unsigned short* w, const unsigned short* factor, unsigned char* exponent) {
+    unsigned short product[kLimbsQ];
+    std::copy_n(w, kLimbsQ, product);
+    multiply_mod_q(product, factor);
+    multiply_mod_q(product, DsaR2Q);  // cancels the 2^-160 of both products
+    unpackLAN(product, exponent, kExponentBytes);
+}
+
+// Takes a number in Montgomery form modulo p to its residue below p, and that to its residue
+// below q, in the low limbs.
+void reduce_to_q(unsigned short* x) {
+    privLAN(x, read_only(DsaP), DsaMontP, kLimbsP, kLimbsP, kLimbsP);
+    // 32 limb steps fold x to at most q, with a factor 2^-512 that DsaFoldQ cancels along with the
+    // product's own 2^-160; the product is below 2q.
+    privLAN(x, read_only(DsaQ), DsaMontQ, kLimbsP, kLimbsQ, kLimbsP);
+    multiply_mod_q(x, DsaFoldQ);
+    if (reaches_q(x)) subtLAN(x, read_only(DsaQ), kLimbsQ);
+}
+
+}  // namespace
+
+int CheckBufferSign(unsigned char* buffer, long length, unsigned char* key,
+                    unsigned char* signature) {
+    HASH_CTX ctx;
+    InitHash(&ctx);
+    HashBuf(buffer, static_cast<unsigned>(length), &ctx);
+    EndHash(&ctx);
+    return CheckSignature(key, signature, &ctx) == kValid ? 0 : -1;
+}
+
+int CheckSignature(unsigned char* key, unsigned char* signature, HASH_CTX* digest) {
+    unsigned short r[kLimbsQ];
+    unsigned short s[kLimbsQ];
+    if (const int code = read_in_range(signature, r); code != kValid) return code;
+    if (const int code = read_in_range(signature + kExponentBytes, s); code != kValid) return code;
+
+    unsigned short key_powers[2 * kKeyNumbers * kLimbsP];
+    build_key_powers(key, key_powers);
+    unsigned short w[kLimbsQ];
+    invertLAN(signature + kExponentBytes, w);
+
+    unsigned short message[kLimbsQ];
+    for (int i = 0; i < kLimbsQ; ++i)
+        message[i] = static_cast<unsigned short>(digest->state[i / 2] >> (i % 2 * 16));
+    unsigned char u1[kExponentBytes];
+    unsigned char u2[kExponentBytes];
+    make_exponent(w, message, u1);
+    make_exponent(w, r, u2);
+
+    unsigned short v[kLimbsP];
+    expmodLAN(v, u1, key_powers, u2);
+    reduce_to_q(v);
+    return std::equal(r, r + kLimbsQ, v) ? kValid : kNoMatch;
+}
