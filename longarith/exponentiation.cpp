@@ -50,7 +50,7 @@ void stelLAN(unsigned char* e, short* pos, short* win, short w) {
         *pos = -1;
         return;
     }
-    const int high = 8 * byte + std::bit_width(bits) - 1;
+    const int high = 8 * byte + static_cast<int>(std::bit_width(bits)) - 1;
     const int low = std::max(high - w + 1, 0);
     // At most 8 bits wide, the window reaches into one lower byte at most.
     if (low / 8 != byte) bits = bits << 8 | e[byte - 1];

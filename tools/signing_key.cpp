@@ -72,7 +72,7 @@ Number power_mod_p(const Number& base, const Number& exponent) {
 Number random_private_key() {
     const Number q = number(kDomainQ);
     Number x = number();
-    while (BN_is_zero(x.get())) must(BN_priv_rand_range(x.get(), q.get()));
+    while (BN_is_zero(x.get()) != 0) must(BN_priv_rand_range(x.get(), q.get()));
     return x;
 }
 
@@ -106,7 +106,7 @@ SigningKey SigningKey::from_pem(const std::string& pem) {
     const auto no_password = [](char*, int, int, void*) { return -1; };
     Handle key(PEM_read_bio_PrivateKey(stream.get(), nullptr, no_password, nullptr));
     if (!key) throw KeyError("not an unencrypted private key in PEM");
-    if (!EVP_PKEY_is_a(key.get(), "DSA")) throw KeyError("not a DSA key");
+    if (EVP_PKEY_is_a(key.get(), "DSA") == 0) throw KeyError("not a DSA key");
 
     const char* const names[] = {OSSL_PKEY_PARAM_FFC_P, OSSL_PKEY_PARAM_FFC_Q,
                                  OSSL_PKEY_PARAM_FFC_G};
@@ -115,7 +115,7 @@ SigningKey SigningKey::from_pem(const std::string& pem) {
         if (BN_cmp(parameter(key.get(), names[i]).get(), number(domain[i]).get()) != 0)
             throw KeyError("a key of another domain");
     const Number x = parameter(key.get(), OSSL_PKEY_PARAM_PRIV_KEY);
-    if (BN_is_zero(x.get()) || BN_is_negative(x.get()) ||
+    if (BN_is_zero(x.get()) != 0 || BN_is_negative(x.get()) != 0 ||
         BN_cmp(x.get(), number(kDomainQ).get()) >= 0)
         throw KeyError("the private key is out of range");
     return SigningKey(std::move(key));
