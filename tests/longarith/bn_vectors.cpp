@@ -3,6 +3,7 @@
 //   reduction NA NM K A M MONT RESULT    A and RESULT of the larger of NA and NM limbs
 //   power E1 E2 TABLE RESULT             RESULT = g^E1 * y^E2 * 2^512 mod p, fully reduced
 //   inverse X RESULT
+//   signature KEY0 KEY1 KEY2 KEY3 DIGEST R S    a valid one; numbers as the blobs have them
 // Numbers are in big-endian hexadecimal of their full width, counts in decimal.
 #include <openssl/bn.h>
 
@@ -150,9 +151,16 @@ void reduction() {
     std::putchar('\n');
 }
 
-void double_power() {
+// The Montgomery form of a residue modulo p, at times the one above p.
+Bn form(const Bn& a) {
     const Bn p = from_hex(kDomainP);
     const Bn r = two_to(512);
+    const Bn reduced_form = a * r % p;
+    return pick(0, 1) == 0 && reduced_form + p < r ? reduced_form + p : reduced_form;
+}
+
+void double_power() {
+    const Bn p = from_hex(kDomainP);
     const Bn e1 = pick(0, 5) == 0 ? two_to(pick(0, 159)) : operand(160);
     const Bn e2 = pick(0, 5) == 0 ? two_to(pick(0, 159)) : operand(160);
     const Bn y = operand(512) % p;  // any order
@@ -162,12 +170,10 @@ void double_power() {
     for (int j = 0; j < 4; ++j) {
         const Bn base = power(y, two_to(40 * j), p);
         for (const Bn& entry : {base, power(base, 3, p)}) {
-            const Bn form = entry * r % p;
-            // An entry at or above p stands for its residue, too.
-            print(pick(0, 1) == 0 && form + p < r ? form + p : form, 32);
+            print(form(entry), 32);
         }
     }
-    print(power(from_hex(kDomainG), e1, p) * power(y, e2, p) * r % p, 32);
+    print(power(from_hex(kDomainG), e1, p) * power(y, e2, p) * two_to(512) % p, 32);
     std::putchar('\n');
 }
 
@@ -177,6 +183,22 @@ void inversion(const Bn& x) {
     std::printf("inverse");
     print(x, 10);
     print(BN_is_zero(residue.n) ? residue : inverse(residue, q), 10);
+    std::putchar('\n');
+}
+
+// FIPS 186, section 5, over any digest integer of 160 bits.
+void signature(const Bn& digest) {
+    const Bn p = from_hex(kDomainP);
+    const Bn q = from_hex(kDomainQ);
+    const Bn g = from_hex(kDomainG);
+    const Bn x = operand(160) % (q - 1) + 1;
+    const Bn k = operand(160) % (q - 1) + 1;
+    const Bn r = power(g, k, p) % q;
+    const Bn s = inverse(k, q) * (digest + x * r) % q;
+    if (BN_is_zero(r.n) || BN_is_zero(s.n)) return signature(digest);
+    std::printf("signature");
+    for (int j = 0; j < 4; ++j) print(form(power(power(g, x, p), two_to(40 * j), p)), 32);
+    for (const Bn& number : {digest, r, s}) print(number, 10);
     std::putchar('\n');
 }
 
@@ -191,5 +213,8 @@ int main() {
     for (const Bn& x : {Bn(0), Bn(1), Bn(2), q - 1, q, q + 1, two_to(160) - 1}) inversion(x);
     for (int i = 0; i < 160; ++i) inversion(two_to(i));
     for (int i = 0; i < 3000; ++i) inversion(operand(pick(1, 160)));
+    // A digest of 0 makes the exponent of g zero; one of q or more is used as it is.
+    for (const Bn& digest : {Bn(0), Bn(1), q - 1, q, q + 1, two_to(160) - 1}) signature(digest);
+    for (int i = 0; i < 60; ++i) signature(operand(160));
     return 0;
 }
