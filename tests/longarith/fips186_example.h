@@ -30,9 +30,6 @@ inline Bytes joined(const std::vector<std::string>& numbers) {
     return bytes;
 }
 
-const std::string kP =
-    "8df2a494492276aa3d25759bb06869cbeac0d83afb8d0cf7cbb8324f0d7882e5"
-    "d0762fc5b7210eafc2e9adac32ab7aac49693dfbf83724c2ec0736ee31c80291";
 const std::string kQ = "c773218c737ec8ee993b4f2ded30f48edace915f";
 const std::string kR = "8bac1ab66410435cb7181f95b16ab97c92b341c0";
 const std::string kS = "41e2345f1f56df2458f426d155b4ba2db6dcd8c8";

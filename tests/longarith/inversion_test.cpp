@@ -1,4 +1,4 @@
-// Inverses modulo the built-in q against libcrypto's.
+// Inverses modulo the built-in q against Python's.
 #include <gtest/gtest.h>
 #include <ktbase/longarith.h>
 
@@ -8,7 +8,7 @@
 
 namespace {
 
-TEST(Inversion, inverses_agree_with_libcrypto_and_multiples_of_q_have_none) {
+TEST(Inversion, inverses_agree_with_the_vectors_and_multiples_of_q_have_none) {
     const auto cases = vectors("inverse");
     ASSERT_EQ(cases.size(), 3167U);
     for (const auto& v : cases) {

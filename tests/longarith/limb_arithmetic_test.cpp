@@ -1,4 +1,4 @@
-// Limb vectors against libcrypto's numbers, and the limits of their counts.
+// Limb vectors against Python's integers, and the limits of their counts.
 #include <gtest/gtest.h>
 #include <ktbase/longarith.h>
 

@@ -1,4 +1,4 @@
-// Reads the vectors that bn_vectors writes.
+// Reads the vectors that vectors.py writes.
 #ifndef KTBASE_TESTS_LONGARITH_VECTORS_H
 #define KTBASE_TESTS_LONGARITH_VECTORS_H
 
