@@ -1,0 +1,102 @@
+// A program's command line: its path in backslash form, words, and full paths.
+#include <ktbase/platform.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+
+static_assert(sizeof(KtCmdLine) == 4108);
+static_assert(offsetof(KtCmdLine, argc) == 4100 && offsetof(KtCmdLine, argv) == 4104);
+
+KtCmdLine* pCmdLine = nullptr;
+
+namespace {
+
+constexpr char kSeparator = '\\';
+constexpr std::size_t kPathStart = 1;
+constexpr std::size_t kPathSize = 4096;
+
+// A word takes two characters of the 4,097 before the last NUL, with the space or the quote that
+// ends it; the last one may do with one. argv[0] comes on top.
+constexpr std::size_t kDefaultTableSize = (sizeof(KtCmdLine::text) - 1 + 1) / 2 + 1;
+char* default_table[kDefaultTableSize];
+
+void use_backslashes(char* text) {
+    std::replace(text, text + std::strlen(text), '/', kSeparator);
+}
+
+char* copy_with_backslashes(char* out, const char* name) {
+    std::strcpy(out, name);
+    use_backslashes(out);
+    return out;
+}
+
+char* join(char* out, const char* prefix, std::size_t length, const char* name) {
+    std::strcpy(std::copy_n(prefix, length, out), name);
+    return out;
+}
+
+// Turns the spaces at `p` into NULs and returns the character behind them.
+char* clear_spaces(char* p) {
+    while (*p == ' ') *p++ = '\0';
+    return p;
+}
+
+// Finds the end of the word at `p`, takes its opening quote out of the text and its closing quote
+// for its end. Returns where the next word is looked for.
+char* scan_word(char* p) {
+    bool quoted = false;
+    while (*p != '\0' && (quoted || *p != ' ')) {
+        if (*p != '"') {
+            ++p;
+        } else if (quoted) {
+            *p = '\0';
+            return p + 1;
+        } else {
+            quoted = true;
+            std::memmove(p, p + 1, std::strlen(p));  // the rest of the text and its NUL
+        }
+    }
+    return p;
+}
+
+}  // namespace
+
+KtCmdLine::KtCmdLine() : text{}, argc(0), argv(default_table) {
+    pCmdLine = this;
+    ParseCmdLine();
+}
+
+KtCmdLine::KtCmdLine(int argc, char** argv) : text{}, argc(argc), argv(argv) {
+    pCmdLine = this;
+    if (argc < 1) return;
+    std::strncpy(text + kPathStart, argv[0], kPathSize);
+    use_backslashes(text + kPathStart);
+}
+
+int KtCmdLine::ParseCmdLine() {
+    argv[0] = text + kPathStart;
+    argc = 1;
+    for (char* p = clear_spaces(text); *p != '\0'; p = clear_spaces(p)) {
+        argv[argc++] = p;
+        p = scan_word(p);
+    }
+    return 0;
+}
+
+char* KtCmdLine::MakeFullPath(const char* name, char* out) {
+    if (name == nullptr || out == nullptr) return out;
+    const char* const path = text + kPathStart;
+    if (name[0] == kSeparator && name[1] == kSeparator) return copy_with_backslashes(out, name);
+    if (name[0] == kSeparator) {
+        const char* const root = std::strchr(path, kSeparator);
+        return join(out, path, root == nullptr ? 0 : root - path, name);
+    }
+    if (name[0] == '\0') {
+        *out = '\0';
+        return out;
+    }
+    const char* const last = std::strrchr(path, kSeparator);
+    if (name[1] == ':' || last == nullptr) return copy_with_backslashes(out, name);
+    return join(out, path, last + 1 - path, name);
+}

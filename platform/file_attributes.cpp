@@ -1,0 +1,27 @@
+// The attribute word of a path.
+#include <ktbase/platform.h>
+#include <sys/stat.h>
+
+unsigned char bFollowLinks = 1;
+
+namespace {
+constexpr KtFileAttributes kUnknown = -1;
+}  // namespace
+
+KtFileAttributes KtGetFileAttributes(const char* path) {
+    // A null path is the system's to refuse.
+    if (path != nullptr && *path == '\0') path = ".";
+    struct stat64 status;
+    if (lstat64(path, &status) == -1) return kUnknown;
+    if (S_ISLNK(status.st_mode) && bFollowLinks != 0 && stat64(path, &status) == -1)
+        return kUnknown;
+    return static_cast<KtFileAttributes>(status.st_mode);
+}
+
+int KtIsDirectory(KtFileAttributes attributes) {
+    return attributes != kUnknown && S_ISDIR(attributes) ? 1 : 0;
+}
+
+int KtSetFileAttributes(const char* /*path*/, KtFileAttributes /*attributes*/) {
+    return 0;
+}
