@@ -1,0 +1,146 @@
+// Comparisons, copies and small edits over the standard string.
+#include <ktbase/text.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+
+namespace {
+
+constexpr char kBlanks[] = " \t\r\n";
+
+// One side of a comparison: a standard string whole, a C string up to its NUL, null as empty.
+struct Operand {
+    const char* text;
+    std::size_t length;
+
+    Operand(const std::string& s) : text(s.data()), length(s.size()) {}
+    Operand(const char* s) : text(s), length(s == nullptr ? 0 : std::strlen(s)) {}
+};
+
+Operand first(unsigned count, Operand operand) {
+    operand.length = std::min<std::size_t>(operand.length, count);
+    return operand;
+}
+
+int signed_value(char c) {
+    return static_cast<signed char>(c);
+}
+
+// What the system's tolower makes of the signed value, negative ones included.
+int folded(char c) {
+    return std::tolower(signed_value(c));
+}
+
+template <int (*Rank)(char)>
+int compare(const Operand& a, const Operand& b) {
+    const std::size_t common = std::min(a.length, b.length);
+    for (std::size_t i = 0; i < common; ++i) {
+        const int x = Rank(a.text[i]);
+        const int y = Rank(b.text[i]);
+        if (x != y) return x < y ? -1 : 1;
+    }
+    if (a.length == b.length) return 0;
+    return a.length < b.length ? -1 : 1;
+}
+
+int CompareCase(const Operand& a, const Operand& b) {
+    return compare<signed_value>(a, b);
+}
+
+int CompareNoCase(const Operand& a, const Operand& b) {
+    return compare<folded>(a, b);
+}
+
+// A move, not a copy: the destination may lie in the source's own text.
+void move_text(char* destination, const std::string& source, std::size_t length) {
+    if (length != 0 && destination != source.data())
+        std::memmove(destination, source.data(), length);
+}
+
+}  // namespace
+
+int KsStrcmp(const std::string& a, const std::string& b) {
+    return CompareCase(a, b);
+}
+int KsStrcmp(const char* a, const std::string& b) {
+    return CompareCase(a, b);
+}
+int KsStrcmp(const std::string& a, const char* b) {
+    return CompareCase(a, b);
+}
+
+int KsStrncmp(const std::string& a, const std::string& b, unsigned n) {
+    return CompareCase(first(n, a), first(n, b));
+}
+int KsStrncmp(const char* a, const std::string& b, unsigned n) {
+    return CompareCase(first(n, a), first(n, b));
+}
+int KsStrncmp(const std::string& a, const char* b, unsigned n) {
+    return CompareCase(first(n, a), first(n, b));
+}
+
+int KsStrcasecmp(const std::string& a, const std::string& b) {
+    return CompareNoCase(a, b);
+}
+int KsStrcasecmp(const char* a, const std::string& b) {
+    return CompareNoCase(a, b);
+}
+int KsStrcasecmp(const std::string& a, const char* b) {
+    return CompareNoCase(a, b);
+}
+
+int KsStrncasecmp(const std::string& a, const std::string& b, unsigned n) {
+    return CompareNoCase(first(n, a), first(n, b));
+}
+int KsStrncasecmp(const char* a, const std::string& b, unsigned n) {
+    return CompareNoCase(first(n, a), first(n, b));
+}
+int KsStrncasecmp(const std::string& a, const char* b, unsigned n) {
+    return CompareNoCase(first(n, a), first(n, b));
+}
+
+void KsStrcpy(char* destination, const std::string& source) {
+    if (destination == nullptr) return;
+    const std::size_t length = source.size();
+    move_text(destination, source, length);
+    destination[length] = '\0';
+}
+void KsStrcpy(std::string& destination, const char* source) {
+    destination.assign(source == nullptr ? "" : source);
+}
+void KsStrcpy(std::string& destination, const std::string& source) {
+    destination = source;
+}
+
+void KsStrncpy(std::string& destination, const char* source, unsigned n) {
+    const std::string whole(source);  // throws for null, whatever n is
+    destination.assign(whole, 0, n);
+}
+void KsStrncpy(char* destination, const std::string& source, unsigned n) {
+    if (destination == nullptr) return;
+    const std::size_t length = std::min<std::size_t>(n, source.size());
+    move_text(destination, source, length);
+    std::fill(destination + length, destination + n, '\0');
+}
+void KsStrncpy(std::string& destination, const std::string& source, unsigned n) {
+    destination.assign(source, 0, n);
+}
+
+char* KsStrdup(const std::string& source) {
+    const std::size_t length = source.size();
+    char* const copy = new char[length + 1];
+    KsStrncpy(copy, source, length);
+    copy[length] = '\0';
+    return copy;
+}
+
+void ConvertToLowerCase(std::string& text) {
+    for (char& c : text) c = static_cast<char>(folded(c));
+}
+
+void Trim(std::string& text) {
+    // Where only blanks are left, npos + 1 is 0 and everything goes.
+    text.erase(text.find_last_not_of(kBlanks) + 1);
+    text.erase(0, text.find_first_not_of(kBlanks));
+}
