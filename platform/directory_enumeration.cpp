@@ -4,6 +4,7 @@
 #include <ktbase/platform.h>
 #include <sys/stat.h>
 
+#include <bit>
 #include <cerrno>
 #include <clocale>
 #include <cstddef>
@@ -200,14 +201,14 @@ KtFindHandle KtFindFirst(const char* pattern, Dirent** found) {
         return kNoFind;
     }
     *found = current;
-    const KtFindHandle find = reinterpret_cast<KtFindHandle>(stream);
+    const KtFindHandle find = std::bit_cast<KtFindHandle>(stream);
     while (is_dot_directory(current))
         if (KtFindNext(find, current) == -1) return kNoFind;
     return find;
 }
 
 int KtFindNext(KtFindHandle find, Dirent* found) {
-    DIR* const stream = reinterpret_cast<DIR*>(find);
+    DIR* const stream = std::bit_cast<DIR*>(find);
     if (stream == nullptr) {
         release(nullptr, found);
         return -1;

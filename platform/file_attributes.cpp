@@ -19,7 +19,7 @@ KtFileAttributes KtGetFileAttributes(const char* path) {
 }
 
 int KtIsDirectory(KtFileAttributes attributes) {
-    return attributes != kUnknown && S_ISDIR(attributes) ? 1 : 0;
+    return S_ISDIR(attributes) ? 1 : 0;  // -1 has every type bit set, which is no type at all
 }
 
 int KtSetFileAttributes(const char* /*path*/, KtFileAttributes /*attributes*/) {
