@@ -1,0 +1,92 @@
+// list_files PATTERN: lists the directory entries that match, like a small "ls -l".
+//
+//     list_files 'logs/*.txt'
+//
+// Shows an enumeration run to its end, links and what they point to, and the per-entry errors.
+#include <dirent.h>
+#include <ktbase/platform.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t kLongestTarget = 4096;
+
+struct Row {
+    char type;
+    std::string size;
+    std::string name;
+};
+
+char type_letter(KtFileAttributes attributes) {
+    if (attributes == -1) return '?';
+    if (KtIsDirectory(attributes) != 0) return 'd';
+    if (S_ISLNK(attributes)) return 'l';
+    return S_ISREG(attributes) ? '-' : 's';  // devices, pipes and sockets
+}
+
+// The entry's size. Exactly 2 GiB is the one size that does not fit the sign.
+std::string size_text(Dirent* found) {
+    if (KtFindGetFileAttributes(found) == -1) return "?";
+    return std::to_string(static_cast<unsigned>(KtFindGetFileSize(found)));
+}
+
+std::string name_text(Dirent* found) {
+    // The name lives no longer than the entry is current: copy it.
+    std::string text = KtFindGetFileName(found);
+    const char* const path = found->getLastName();
+    if (found->isLink != 0 && path != nullptr) {
+        char target[kLongestTarget];
+        const ssize_t length = readlink(path, target, sizeof target);
+        if (length >= 0) text += " -> " + std::string(target, length);
+    }
+    if (found->error != 0) text += std::string(" (") + std::strerror(found->error) + ')';
+    return text;
+}
+
+void print(const std::vector<Row>& rows) {
+    std::size_t width = 0;
+    for (const Row& row : rows) width = std::max(width, row.size.size());
+    for (const Row& row : rows)
+        std::printf("%c %*s %s\n", row.type, static_cast<int>(width), row.size.c_str(),
+                    row.name.c_str());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: list_files PATTERN\n");
+        return 2;
+    }
+    const char* const pattern = argv[1];
+    bFollowLinks = 0;  // a link is listed as a link
+
+    Dirent* found = nullptr;
+    const KtFindHandle find = KtFindFirst(pattern, &found);
+    if (find == -1) {
+        const bool none = errno == 0 || errno == ENOENT;
+        std::fprintf(stderr, "list_files: %s: %s\n", pattern,
+                     none ? "nothing matches" : std::strerror(errno));
+        return 1;
+    }
+    std::vector<Row> rows;
+    do {
+        rows.push_back(
+            {type_letter(KtFindGetFileAttributes(found)), size_text(found), name_text(found)});
+        errno = 0;  // still 0 behind the last entry, unless the directory could not be read
+    } while (KtFindNext(find, found) == 0);
+    const int error = errno;
+
+    print(rows);
+    if (error == 0) return 0;
+    std::fprintf(stderr, "list_files: %s: %s\n", pattern, std::strerror(error));
+    return 1;
+}
