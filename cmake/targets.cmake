@@ -1,6 +1,7 @@
 # What every target of the project is compiled with.
 #   ktbase_native  programs for the build machine
 #   ktbase_32bit   the library and programs that link it: 32-bit x86, i686 baseline
+#   ktbase_hardened  the library, against what a fault in it or in a host would let happen
 include(CheckCXXSourceCompiles)
 
 set(ktbase_m32 "")
@@ -30,4 +31,13 @@ if(KTBASE_SANITIZE)
   target_compile_options(ktbase_32bit INTERFACE
     -fsanitize=${KTBASE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(ktbase_32bit INTERFACE -fsanitize=${KTBASE_SANITIZE})
+endif()
+
+add_library(ktbase_hardened INTERFACE)
+target_compile_options(ktbase_hardened INTERFACE -fstack-protector-strong -fcf-protection)
+target_link_options(ktbase_hardened INTERFACE "LINKER:-z,relro,-z,now,-z,noexecstack,-z,text")
+# Checked calls need the optimiser to know sizes, and would hide overruns from a sanitizer.
+if(NOT KTBASE_SANITIZE)
+  target_compile_options(ktbase_hardened INTERFACE
+    "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
 endif()
