@@ -11,15 +11,28 @@ expect() { # WHAT EXPECTED GOT
 field() { sed -n "s/.*$1.*\\[\\(.*\\)\\]$/\\1/p" <<< "$dynamic"; }
 
 dynamic=$(readelf -dW "$library")
+segments=$(readelf -lW "$library")
+imports=$(nm -D --undefined-only "$library")
 expect "machine" "ELF32 Intel 80386" \
     "$(readelf -hW "$library" | awk '/Class:/ { c = $2 } /Machine:/ { print c, $2, $3 }')"
 expect "name" libktbase.so.1 "$(field SONAME)"
 expect "needs nothing but the language's library and libc" "" \
     "$(field NEEDED | grep -vxE 'libstdc\+\+\.so\.6|libm\.so\.6|libgcc_s\.so\.1|libc\.so\.6')"
 expect "symbols are bound before the host runs" 1 "$(grep -c 'FLAGS_1.*NOW' <<< "$dynamic")"
+# With the above: nothing that a call goes through can be written to once the library is bound.
+expect "a segment made read-only after binding" 1 "$(grep -c GNU_RELRO <<< "$segments")"
 expect "text relocations" 0 "$(grep -c TEXTREL <<< "$dynamic")"
 expect "own exported data is not bound inside" 0 "$(grep -cw SYMBOLIC <<< "$dynamic")"
-expect "stack" "RW" "$(readelf -lW "$library" | awk '/GNU_STACK/ { print $7 }')"
+expect "stack" "RW" "$(awk '/GNU_STACK/ { print $7 }' <<< "$segments")"
+expect "arrays on the stack are guarded" 1 "$(grep -c __stack_chk_fail <<< "$imports")"
+# Its checked form would abort the host for flags that the host passes.
+expect "opens files with open(2) itself" "open" "$(grep -oE '\<(__)?open(64)?(_2|64_2)?\>' <<< "$imports")"
+exported=$(nm -D --defined-only "$library" | awk '$2 == "T" { print $3 }' | sed 's/@.*//' | sort)
+expect "exported functions that an indirect call may not reach" "" \
+    "$(objdump -d --no-show-raw-insn "$library" |
+        awk '/^[0-9a-f]+ <.*>:$/ { name = substr($2, 2, length($2) - 3); getline
+                                   if (!/endbr32/) print name }' | sort | comm -12 - <(echo "$exported"))"
+[ -n "$exported" ] || expect "exported functions" "some" "none"
 # One entry is the compiler's own, in every library; a static constructor would be a second.
 expect "functions run at load" 4 "$((16#$(readelf -SW "$library" | awk '/\.init_array/ { print $(NF - 5) }')))"
 
