@@ -79,6 +79,15 @@ private:
     volatile std::uint32_t words_[kBlockWords];
 };
 
+// The two empty instructions keep the load at the addition; a word loaded earlier would wait in a
+// slot of the stack that nobody wipes.
+std::uint32_t add_as_loaded(std::uint32_t sum, const volatile std::uint32_t& word) {
+    asm("" : "+r"(sum));
+    sum += word;
+    asm("" : "+r"(sum));
+    return sum;
+}
+
 struct Shifts {
     int by[4];
 };
@@ -87,8 +96,8 @@ struct Shifts {
 template <auto RoundFunction, unsigned First, unsigned Stride, unsigned Start>
 void sixteen_steps(WorkingState& s, const BlockWords& words, const Shifts& shifts) {
     for (unsigned t = First; t < First + 16; ++t) {
-        const std::uint32_t sum =
-            s.a + RoundFunction(s.b, s.c, s.d) + words[Stride * t + Start] + kSines[t];
+        const std::uint32_t sum = add_as_loaded(s.a + kSines[t], words[Stride * t + Start]) +
+                                  RoundFunction(s.b, s.c, s.d);
         s = {s.d, s.b + std::rotl(sum, shifts.by[t % 4]), s.b, s.c};
     }
 }
