@@ -1,0 +1,44 @@
+// cpuid itself: the compiler's own test of the processor would run when the library is loaded.
+#include "processor.h"
+
+#include <cpuid.h>
+
+namespace {
+
+struct Cpuid {
+    unsigned eax = 0, ebx = 0, ecx = 0, edx = 0;
+
+    // All zero for a leaf that the processor does not have.
+    explicit Cpuid(unsigned leaf) { __get_cpuid_count(leaf, 0, &eax, &ebx, &ecx, &edx); }
+};
+
+constexpr unsigned kFeatures = 1;
+constexpr unsigned kExtendedFeatures = 7;
+
+// The parts of the register file that the system saves and restores, for a processor with xgetbv.
+unsigned kept_registers() {
+    unsigned low = 0;
+    unsigned high = 0;
+    asm volatile("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
+    return low;
+}
+
+}  // namespace
+
+bool has_sse2() {
+    return (Cpuid(kFeatures).edx & bit_SSE2) != 0;
+}
+
+bool has_sha() {
+    constexpr unsigned kNeeded = bit_SSSE3 | bit_SSE4_1;
+    return (Cpuid(kFeatures).ecx & kNeeded) == kNeeded &&
+           (Cpuid(kExtendedFeatures).ebx & bit_SHA) != 0;
+}
+
+bool has_avx512vl() {
+    if ((Cpuid(kFeatures).ecx & bit_OSXSAVE) == 0) return false;
+    constexpr unsigned kVectorAndMaskRegisters = 0xE6;
+    if ((kept_registers() & kVectorAndMaskRegisters) != kVectorAndMaskRegisters) return false;
+    constexpr unsigned kNeeded = bit_AVX512F | bit_AVX512VL;
+    return (Cpuid(kExtendedFeatures).ebx & kNeeded) == kNeeded;
+}

@@ -1,0 +1,66 @@
+// SHA's block function as FIPS 180 (1993) writes it, with the schedule in the words of the block.
+#include <bit>
+
+#include "sha_block.h"
+
+namespace {
+
+constexpr unsigned kBlockWords = 16;
+
+std::uint32_t choice(std::uint32_t b, std::uint32_t c, std::uint32_t d) {
+    return ((c ^ d) & b) ^ d;
+}
+std::uint32_t parity(std::uint32_t b, std::uint32_t c, std::uint32_t d) {
+    return b ^ c ^ d;
+}
+std::uint32_t majority(std::uint32_t b, std::uint32_t c, std::uint32_t d) {
+    return (b & c) | ((b | c) & d);
+}
+
+std::uint32_t big_endian_word(const unsigned char* bytes) {
+    return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 |
+           std::uint32_t{bytes[2]} << 8 | bytes[3];
+}
+
+// Word t of the message schedule, formed over the word of `data` that held W[t-16].
+std::uint32_t schedule_word(std::uint32_t* data, unsigned t) {
+    if (t >= kBlockWords)
+        data[t % 16] ^= data[(t + 13) % 16] ^ data[(t + 8) % 16] ^ data[(t + 2) % 16];
+    return data[t % 16];
+}
+
+struct WorkingState {
+    std::uint32_t a, b, c, d, e;
+};
+
+template <auto RoundFunction, unsigned First>
+void twenty_rounds(WorkingState& s, std::uint32_t* data) {
+    for (unsigned t = First; t < First + 20; ++t) {
+        const std::uint32_t sum = std::rotl(s.a, 5) + RoundFunction(s.b, s.c, s.d) + s.e +
+                                  schedule_word(data, t) + kShaConstants[First / 20];
+        s = {sum, s.a, std::rotl(s.b, 30), s.c, s.d};
+    }
+}
+
+// Compresses `data` into `state`; `data` is left holding W[64] to W[79].
+void compress(std::uint32_t* state, std::uint32_t* data) {
+    WorkingState s = {state[0], state[1], state[2], state[3], state[4]};
+    twenty_rounds<choice, 0>(s, data);
+    twenty_rounds<parity, 20>(s, data);
+    twenty_rounds<majority, 40>(s, data);
+    twenty_rounds<parity, 60>(s, data);
+    state[0] += s.a;
+    state[1] += s.b;
+    state[2] += s.c;
+    state[3] += s.d;
+    state[4] += s.e;
+}
+
+}  // namespace
+
+void sha_blocks_plain(HASH_CTX* ctx, const unsigned char* blocks, std::size_t count) {
+    for (; count != 0; --count, blocks += kShaBlockBytes) {
+        for (unsigned i = 0; i < kBlockWords; ++i) ctx->data[i] = big_endian_word(blocks + 4 * i);
+        compress(ctx->state, ctx->data);
+    }
+}
