@@ -1,30 +1,16 @@
-// Arithmetic on vectors of 16-bit limbs: byte strings, subtraction, Montgomery product and
-// reduction.
+// Arithmetic on vectors of 16-bit limbs: byte strings, subtraction, and the Montgomery reduction;
+// the Montgomery product is in the files named after it.
 #include <ktbase/longarith.h>
 
-#include <algorithm>
+#include "montgomery_product.h"
 
 namespace {
-
-constexpr int kMaxProductLimbs = 32;
 
 std::uint16_t low_half(std::uint32_t t) {
     return static_cast<std::uint16_t>(t);
 }
 std::uint32_t high_half(std::uint32_t t) {
     return t >> 16;
-}
-
-// Subtracts n limbs of b from a and returns the borrow, 0 or 1.
-std::uint32_t subtract(std::uint16_t* a, const std::uint16_t* b, int n) {
-    std::uint32_t borrow = 0;
-    for (int i = 0; i < n; ++i) {
-        // 0 <= 2^16 + a - b - borrow < 2^17: bit 16 is set exactly when nothing is borrowed.
-        const std::uint32_t t = 0x10000 + std::uint32_t{a[i]} - b[i] - borrow;
-        a[i] = low_half(t);
-        borrow = 1 - high_half(t);
-    }
-    return borrow;
 }
 
 // The limb u for which t0 + u*m0 is a multiple of 2^16.
@@ -51,40 +37,13 @@ void unpackLAN(unsigned short* limbs, unsigned char* bytes, short nbytes) {
 }
 
 void subtLAN(unsigned short* a, unsigned short* b, short n) {
-    subtract(a, b, n);
+    subtract_limbs(a, b, n);
 }
 
 void multmodLAN(unsigned short* a, unsigned short* b, unsigned short* out, unsigned short* m,
                 unsigned short mont, short n) {
     if (n <= 0) return;
-    // T < a + m < 2R between rounds, so n limbs and one bit; within a round a*b[i] adds less than
-    // 2^16 R, and the second extra limb takes what that carries out of the first.
-    std::uint16_t T[kMaxProductLimbs + 2] = {};
-    for (int i = 0; i < n; ++i) {
-        std::uint32_t carry = 0;
-        for (int j = 0; j < n; ++j) {
-            // (2^16-1)^2 + 2(2^16-1) = 2^32-1, so t cannot overflow; nor below.
-            const std::uint32_t t = std::uint32_t{a[j]} * b[i] + T[j] + carry;
-            T[j] = low_half(t);
-            carry = high_half(t);
-        }
-        const std::uint32_t top = T[n] + carry;
-        T[n] = low_half(top);
-        T[n + 1] = low_half(high_half(top));
-
-        const std::uint32_t u = reduction_limb(T[0], mont);
-        carry = high_half(u * m[0] + T[0]);
-        for (int j = 1; j < n; ++j) {
-            const std::uint32_t t = u * m[j] + T[j] + carry;
-            T[j - 1] = low_half(t);
-            carry = high_half(t);
-        }
-        const std::uint32_t t = T[n] + carry;
-        T[n - 1] = low_half(t);
-        T[n] = low_half(T[n + 1] + high_half(t));
-    }
-    while (T[n] != 0) T[n] = low_half(T[n] - subtract(T, m, n));
-    std::copy_n(T, n, out);
+    montgomery_product()(a, b, out, m, mont, n);
 }
 
 void privLAN(unsigned short* a, unsigned short* m, unsigned short mont, short na, short nm,
