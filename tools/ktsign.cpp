@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "files.h"
+#include "progress.h"
 #include "signing_key.h"
 
 namespace {
@@ -19,7 +20,8 @@ constexpr char kUsage[] =
     "usage: ktsign new-key KEY          make a key pair: KEY (private) and KEY.pub (public)\n"
     "       ktsign public-key KEY PUB   write the public key of KEY to PUB\n"
     "       ktsign sign KEY FILE SIG    write the signature of FILE to SIG\n"
-    "       ktsign --help | --version\n";
+    "       ktsign --help | --version\n"
+    "The man page, ktsign(1), says what the files hold.\n";
 
 // From here on the digest would not be the one of FIPS 180.
 constexpr std::uint64_t kTooLong = std::uint64_t{1} << 29;
@@ -42,11 +44,13 @@ DigestInteger digest_file(const std::string& path) {
     HASH_CTX ctx;
     InitHash(&ctx);
     std::uint64_t size = 0;
+    Progress progress(path);
     read_pieces(path, [&](std::span<unsigned char> piece) {
         size += piece.size();
         if (size >= kTooLong)
             throw FileError(path, "too long to sign, the limit is 2^29 - 1 bytes");
         HashBuf(piece.data(), static_cast<unsigned>(piece.size()), &ctx);
+        progress.show(size);
     });
     EndHash(&ctx);
     // The state words are the number's 32-bit digits, least significant first.

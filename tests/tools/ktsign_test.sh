@@ -97,4 +97,15 @@ truncate -s 536870912 long
 prints 2 "ktsign: long: too long to sign, the limit is 2^29 - 1 bytes" "$ktsign" sign key long new
 [ ! -e new ] || fail "a signature of what is too long"
 
+# ---- progress: on a terminal, for a long file, and gone at the end
+
+truncate -s 33554432 long
+prints 0 "" "$ktsign" sign key long sig
+shown=$(script -qec "'$ktsign' sign key long sig" /dev/null | tr '\r' '\n')
+grep -qx "ktsign: 50 % read" <<< "$shown" || fail "no progress on a terminal: $shown"
+[[ $shown =~ ^(ktsign:\ [0-9]+\ %\ read|\ |$'\n')*$ ]] || fail "not progress: $shown"
+[[ ${shown##*$'\n'} =~ ^\ *$ ]] || fail "progress stays on the terminal: $shown"
+shown=$(script -qec "'$ktsign' sign key file sig" /dev/null)
+[ -z "$shown" ] || fail "progress of a short file: $shown"
+
 [ "$failures" = 0 ]

@@ -1,0 +1,39 @@
+#include "progress.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+namespace {
+
+constexpr int kMiBBits = 20;
+constexpr std::uint64_t kLongBytes = 16 << kMiBBits;  // read before one could look up
+
+}  // namespace
+
+Progress::Progress(const std::string& path) : terminal_(isatty(STDERR_FILENO) == 1) {
+    struct stat status;
+    if (stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode))
+        size_ = static_cast<std::uint64_t>(status.st_size);
+}
+
+Progress::~Progress() {
+    if (!shown_.empty()) rewrite("");
+}
+
+void Progress::show(std::uint64_t bytes_done) {
+    if (!terminal_ || bytes_done < kLongBytes) return;
+    // A file may have grown since it was asked for its size.
+    const std::string done = bytes_done <= size_ ? std::to_string(100 * bytes_done / size_) + " %"
+                                                 : std::to_string(bytes_done >> kMiBBits) + " MiB";
+    rewrite("ktsign: " + done + " read");
+}
+
+void Progress::rewrite(const std::string& line) {
+    if (line == shown_) return;
+    // Spaces over the end of a longer line: a terminal that knows no escapes shows none.
+    const std::size_t width = shown_.size();
+    std::fprintf(stderr, "\r%-*s\r%s", static_cast<int>(width), line.c_str(), line.c_str());
+    shown_ = line;
+}
