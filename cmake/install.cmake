@@ -1,0 +1,59 @@
+# What `cmake --install` puts where, in three components: libktbase, development and tools.
+
+# GNUInstallDirs takes the compiler's default for the library's machine. On a 64-bit one, Debian
+# keeps 32-bit libraries in /usr/lib32, and everybody else in lib.
+if(ktbase_m32 AND NOT DEFINED CMAKE_INSTALL_LIBDIR)
+  set(ktbase_libdir lib)
+  if(CMAKE_INSTALL_PREFIX STREQUAL "/usr" AND EXISTS /etc/debian_version)
+    set(ktbase_libdir lib32)
+  endif()
+  set(CMAKE_INSTALL_LIBDIR ${ktbase_libdir} CACHE PATH "Directory of the library")
+endif()
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+# Neither find_package nor pkg-config looks into lib32 for a compiler whose default is 64-bit.
+string(REGEX REPLACE "lib32$" "lib" ktbase_finders "${CMAKE_INSTALL_LIBDIR}")
+set(ktbase_cmake_dir "${ktbase_finders}/cmake/ktbase")
+set(ktbase_pkg_config_dir "${ktbase_finders}/pkgconfig")
+
+install(TARGETS ktbase EXPORT ktbase-targets
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+    COMPONENT libktbase NAMELINK_COMPONENT development
+  INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+install(DIRECTORY include/ktbase "${PROJECT_BINARY_DIR}/include/ktbase"
+  DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development FILES_MATCHING PATTERN "*.h")
+install(FILES README.md CHANGELOG.md
+  DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development)
+install(DIRECTORY examples DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
+  FILES_MATCHING PATTERN "*.cpp")
+
+# A cmake --install may choose another prefix, so the files of the package find it from themselves.
+install(EXPORT ktbase-targets NAMESPACE ktbase::
+  DESTINATION "${ktbase_cmake_dir}" COMPONENT development)
+configure_package_config_file(cmake/ktbase-config.cmake.in
+  "${PROJECT_BINARY_DIR}/ktbase-config.cmake" INSTALL_DESTINATION "${ktbase_cmake_dir}"
+  NO_SET_AND_CHECK_MACRO)
+# Compilers of both widths build 32-bit hosts, so the width of the default is no reason to refuse.
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/ktbase-config-version.cmake"
+  COMPATIBILITY SameMajorVersion ARCH_INDEPENDENT)
+install(FILES "${PROJECT_BINARY_DIR}/ktbase-config.cmake"
+  "${PROJECT_BINARY_DIR}/ktbase-config-version.cmake"
+  DESTINATION "${ktbase_cmake_dir}" COMPONENT development)
+
+cmake_path(ABSOLUTE_PATH ktbase_pkg_config_dir BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}"
+  OUTPUT_VARIABLE ktbase_pc_dir)
+file(RELATIVE_PATH ktbase_pc_prefix "${ktbase_pc_dir}" "${CMAKE_INSTALL_PREFIX}")
+file(RELATIVE_PATH ktbase_pc_libdir "${CMAKE_INSTALL_PREFIX}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+file(RELATIVE_PATH ktbase_pc_includedir
+  "${CMAKE_INSTALL_PREFIX}" "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
+configure_file(cmake/ktbase.pc.in ktbase.pc @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/ktbase.pc"
+  DESTINATION "${ktbase_pkg_config_dir}" COMPONENT development)
+
+if(TARGET ktsign)
+  configure_file(tools/ktsign.1 ktsign.1 @ONLY)
+  install(TARGETS ktsign RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
+  install(FILES "${PROJECT_BINARY_DIR}/ktsign.1"
+    DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools)
+endif()
