@@ -8,8 +8,6 @@
 
 #include <cerrno>
 #include <cstdarg>
-#include <cstdlib>
-#include <string>
 #include <vector>
 
 namespace {
@@ -17,6 +15,7 @@ namespace {
 struct OpenCall {
     int flags;
     unsigned mode;
+    bool operator==(const OpenCall&) const = default;
 };
 std::vector<OpenCall> open_calls;
 
@@ -30,30 +29,23 @@ extern "C" int open(const char* path, int flags, ...) {
     const unsigned mode = (flags & O_CREAT) != 0 ? va_arg(rest, unsigned) : 0;
     va_end(rest);
     open_calls.push_back({flags, mode});
-    static const auto real =
-        reinterpret_cast<int (*)(const char*, int, ...)>(dlsym(RTLD_NEXT, "open"));
+    const auto real = reinterpret_cast<decltype(&open)>(dlsym(RTLD_NEXT, "open"));
     return real(path, flags, mode);
 }
 
 namespace {
 
 struct FileAccess : testing::Test {
-    std::string directory = testing::TempDir() + "ktbase_file_access_XXXXXX";
-    std::string path;
+    const std::string path = testing::TempDir() + "ktbase_file_" + std::to_string(getpid());
 
-    void SetUp() override {
-        ASSERT_NE(mkdtemp(directory.data()), nullptr);
-        path = directory + "/file";
+    FileAccess() {
         open_calls.clear();
         errno = kUntouched;
     }
-    void TearDown() override {
-        unlink(path.c_str());
-        rmdir(directory.c_str());
-        SYS_OPENFILES = 0;
-        SYS_MAXFILES = 64;
+    ~FileAccess() override { unlink(path.c_str()); }
+    KtFileHandle create() const {
+        return KtOpenFile(path.c_str(), O_RDWR | O_CREAT | O_EXCL, 0, 0);
     }
-    KtFileHandle create() { return KtOpenFile(path.c_str(), O_RDWR | O_CREAT | O_EXCL, 0, 0); }
 };
 
 TEST_F(FileAccess, opens_are_held_against_the_budget_without_asking_the_system) {
@@ -61,40 +53,34 @@ TEST_F(FileAccess, opens_are_held_against_the_budget_without_asking_the_system) 
     EXPECT_EQ(SYS_MAXFILES, 64);
     std::vector<KtFileHandle> files;
     for (int i = 0; i < 64; ++i) files.push_back(KtOpenFile("/dev/null", O_RDONLY, 0, 0));
-    EXPECT_EQ(SYS_OPENFILES, 64);
-    EXPECT_EQ(open_calls.size(), 64U);
-    EXPECT_EQ(KtOpenFile(path.c_str(), O_CREAT | O_WRONLY, 0, 0), -1);
-    EXPECT_EQ(errno, kUntouched);
-    EXPECT_EQ(open_calls.size(), 64U);
-    EXPECT_EQ(access(path.c_str(), F_OK), -1);
-
     EXPECT_EQ(KtCloseFile(files.back()), 0);
     files.back() = KtOpenFile("/dev/null", O_RDONLY, 0, 0);
-    EXPECT_NE(files.back(), -1);
     for (const int limit : {64, 0, -1}) {
         SYS_MAXFILES = limit;
-        EXPECT_EQ(KtOpenFile("/dev/null", O_RDONLY, 0, 0), -1) << limit;
+        EXPECT_EQ(create(), -1) << limit;
     }
+    EXPECT_EQ(open_calls.size(), 65U);
+    EXPECT_EQ(errno, kUntouched);
     for (const KtFileHandle file : files) EXPECT_EQ(KtCloseFile(file), 0);
-    EXPECT_EQ(SYS_OPENFILES, 0);
-    EXPECT_EQ(KtOpenFile("/dev/null", O_RDONLY, 0, 0), -1) << "a negative limit refuses everything";
+    EXPECT_EQ(create(), -1) << "a negative limit refuses everything";
+    SYS_MAXFILES = 64;
 }
 
 TEST_F(FileAccess, creation_is_asked_for_in_the_flags_and_goes_without_the_large_file_flag) {
+    constexpr int kCreate = O_RDWR | O_CREAT | O_EXCL;
     const mode_t umask_before = umask(0040);
-    const KtFileHandle file = KtOpenFile(path.c_str(), O_RDWR | O_CREAT | O_EXCL, O_APPEND, 1);
+    const KtFileHandle file = KtOpenFile(path.c_str(), kCreate, O_APPEND, 1);
     umask(umask_before);
-    ASSERT_NE(file, -1);
-    EXPECT_EQ(KtOpenFile(path.c_str(), O_RDWR | O_CREAT | O_EXCL, 0, 0), -1);
+    EXPECT_EQ(create(), -1);
     EXPECT_EQ(errno, EEXIST);
     EXPECT_EQ(KtOpenFile(path.c_str(), O_RDONLY, O_NOFOLLOW, 0), file + 1);
-    EXPECT_EQ(KtOpenFile(path.c_str(), O_RDONLY, O_CREAT, 0), file + 2)
-        << "out of contract, no end";
+    // Against the contract, but no end of the host.
+    EXPECT_EQ(KtOpenFile(path.c_str(), O_RDONLY, O_CREAT, 0), file + 2);
     EXPECT_EQ(SYS_OPENFILES, 3);
-
-    EXPECT_EQ(open_calls[0].flags, O_RDWR | O_CREAT | O_EXCL | O_APPEND);
-    EXPECT_EQ(open_calls[0].mode, 0x8180U);
-    EXPECT_EQ(open_calls[2].flags, O_RDONLY | 0x8000 | O_NOFOLLOW);
+    open_calls.resize(3);
+    EXPECT_EQ(open_calls, (std::vector<OpenCall>{{kCreate | O_APPEND, 0x8180},
+                                                 {kCreate, 0x8180},
+                                                 {O_RDONLY | 0x8000 | O_NOFOLLOW, 0}}));
     struct stat64 status;
     ASSERT_EQ(stat64(path.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode, S_IFREG | 0600U);
@@ -102,10 +88,9 @@ TEST_F(FileAccess, creation_is_asked_for_in_the_flags_and_goes_without_the_large
 }
 
 TEST_F(FileAccess, a_close_lowers_the_count_first_and_never_below_zero) {
-    EXPECT_EQ(KtCloseFile(-1), -1);
-    EXPECT_EQ(errno, kUntouched);
     SYS_OPENFILES = 2;
     EXPECT_EQ(KtCloseFile(-1), -1);
+    EXPECT_EQ(errno, kUntouched);
     EXPECT_EQ(SYS_OPENFILES, 2);
     EXPECT_EQ(KtCloseFile(-2), -1);
     EXPECT_EQ(errno, EBADF);
@@ -121,7 +106,6 @@ TEST_F(FileAccess, files_are_read_written_and_measured_at_their_position) {
     const KtFileHandle file = create();
     char buffer[16] = {};
     EXPECT_EQ(KtWriteFile(file, "0123456789", 10), 10);
-    EXPECT_EQ(KtGetFileLength(file), 10);
     EXPECT_EQ(KtSeekFile(file, -4, SEEK_CUR), 6);
     EXPECT_EQ(KtReadFile(file, buffer, sizeof buffer), 4);
     EXPECT_STREQ(buffer, "6789");
@@ -129,13 +113,7 @@ TEST_F(FileAccess, files_are_read_written_and_measured_at_their_position) {
     EXPECT_EQ(KtSeekFile(file, 0, SEEK_END), 10);
     EXPECT_EQ(KtSeekFile(file, 3, SEEK_SET), 3);
     EXPECT_EQ(errno, kUntouched);
-    EXPECT_EQ(KtSeekFile(file, -1, SEEK_SET), -1);
-    EXPECT_EQ(errno, EINVAL);
-    KtCloseFile(file);
-}
 
-TEST_F(FileAccess, a_length_that_does_not_fit_or_cannot_be_had_is_minus_one) {
-    const KtFileHandle file = create();
     ASSERT_EQ(ftruncate64(file, 0x7FFFFFFF), 0);
     EXPECT_EQ(KtGetFileLength(file), 0x7FFFFFFF);
     KtCloseFile(file);
@@ -143,22 +121,20 @@ TEST_F(FileAccess, a_length_that_does_not_fit_or_cannot_be_had_is_minus_one) {
     ASSERT_EQ(ftruncate64(large, 0x80000000LL), 0);
     EXPECT_EQ(KtGetFileLength(large), -1);
     EXPECT_EQ(errno, EOVERFLOW);
-    KtCloseFile(large);
-    EXPECT_NE(KtOpenFile(path.c_str(), O_RDONLY, 0, 0), -1) << "the large-file flag is added";
-    KtCloseFile(large);
-    EXPECT_EQ(KtGetFileLength(-1), -1);
-    EXPECT_EQ(errno, EBADF);
+    EXPECT_EQ(KtOpenFile(path.c_str(), O_RDONLY, 0, 0), large + 1)
+        << "the large-file flag is added";
+    for (const KtFileHandle opened : {large, large + 1}) KtCloseFile(opened);
 }
 
 TEST_F(FileAccess, the_invalid_handle_is_answered_at_once_and_others_by_the_system) {
     char byte = 0;
-    const auto all_fail = [&](KtFileHandle file) {
-        return KtReadFile(file, &byte, 1) == -1 && KtWriteFile(file, &byte, 1) == -1 &&
-               KtSeekFile(file, 0, SEEK_SET) == -1;
-    };
-    EXPECT_TRUE(all_fail(-1));
-    EXPECT_EQ(errno, kUntouched);
-    EXPECT_TRUE(all_fail(-2));
+    for (const auto& [file, error] : {std::pair{-1, kUntouched}, {-2, EBADF}}) {
+        EXPECT_EQ(KtReadFile(file, &byte, 1), -1);
+        EXPECT_EQ(KtWriteFile(file, &byte, 1), -1);
+        EXPECT_EQ(KtSeekFile(file, 0, SEEK_SET), -1);
+        EXPECT_EQ(errno, error);
+    }
+    EXPECT_EQ(KtGetFileLength(-1), -1);
     EXPECT_EQ(errno, EBADF);
 }
 
