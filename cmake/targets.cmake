@@ -3,16 +3,19 @@
 #   ktbase_32bit   the library and programs that link it: 32-bit x86, i686 baseline
 #   ktbase_hardened  the library, against what a fault in it or in a host would let happen
 include(CheckCXXSourceCompiles)
+include(CMakePushCheckState)
 
 set(ktbase_m32 "")
 if(CMAKE_SIZEOF_VOID_P EQUAL 8)
   set(ktbase_m32 -m32)
+  cmake_push_check_state(RESET)
   set(CMAKE_REQUIRED_FLAGS -m32)
   check_cxx_source_compiles("#include <string>\nint main() { return std::string().size(); }"
     KTBASE_COMPILER_BUILDS_32_BIT)
-  unset(CMAKE_REQUIRED_FLAGS)
+  cmake_pop_check_state()
   if(NOT KTBASE_COMPILER_BUILDS_32_BIT)
-    message(FATAL_ERROR "${CMAKE_CXX_COMPILER} cannot build 32-bit programs; on Debian, install g++-multilib")
+    unset(KTBASE_COMPILER_BUILDS_32_BIT CACHE)  # the next run looks again
+    message(FATAL_ERROR " ${CMAKE_CXX_COMPILER} cannot build 32-bit programs; on Debian, install g++-multilib")
   endif()
 endif()
 

@@ -54,6 +54,7 @@ void InitHash(HASH_CTX* ctx) {
 }
 
 void HashBuf(unsigned char* buffer, unsigned length, HASH_CTX* ctx) {
+    if (length == 0) return;
     ctx->count += length;
     while (length != 0) {
         if (length >= kShaBlockBytes && at_block_border(ctx)) {

@@ -5,35 +5,49 @@
 #include <ktbase/longarith.h>
 #include <ktbase/platform.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <vector>
 
 namespace {
 
-bool load(const char* path, std::vector<unsigned char>& content) {
+[[noreturn]] void fail(const char* path, const char* why) {
+    std::fprintf(stderr, "verify_buffer: %s: %s\n", path, why);
+    std::exit(2);
+}
+
+// The whole file in one read. A file of more or fewer bytes than its length says is none to take.
+std::vector<unsigned char> load(const char* path) {
     const KtFileHandle file = KtOpenFile(path, O_RDONLY, 0, 0);
-    if (file == -1) return false;
-    const int length = KtGetFileLength(file);
-    bool whole = length >= 0;
-    if (whole) {
-        content.resize(static_cast<unsigned>(length));
-        whole = KtReadFile(file, content.data(), static_cast<unsigned>(length)) == length;
-    }
+    const int length = file == -1 ? -1 : KtGetFileLength(file);
+    if (length == -1) fail(path, std::strerror(errno));
+    std::vector<unsigned char> content(static_cast<unsigned>(length));
+    unsigned char more;
+    if (KtReadFile(file, content.data(), static_cast<unsigned>(length)) != length ||
+        KtReadFile(file, &more, 1) != 0)
+        fail(path, "not a file that can be read at once");
     KtCloseFile(file);
-    return whole;
+    return content;
+}
+
+std::vector<unsigned char> load_blob(const char* path, std::size_t size) {
+    std::vector<unsigned char> blob = load(path);
+    if (blob.size() != size) fail(path, "not a blob of the right length");
+    return blob;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::vector<unsigned char> key;
-    std::vector<unsigned char> file;
-    std::vector<unsigned char> signature;
-    if (argc != 4 || !load(argv[1], key) || key.size() != 256 || !load(argv[2], file) ||
-        !load(argv[3], signature) || signature.size() != 40) {
-        std::fprintf(stderr, "verify_buffer: needs a public key, a file and a signature\n");
+    if (argc != 4) {
+        std::fprintf(stderr, "usage: verify_buffer PUB FILE SIG\n");
         return 2;
     }
+    std::vector<unsigned char> key = load_blob(argv[1], 256);
+    std::vector<unsigned char> file = load(argv[2]);
+    std::vector<unsigned char> signature = load_blob(argv[3], 40);
     const int verdict =
         CheckBufferSign(file.data(), static_cast<long>(file.size()), key.data(), signature.data());
     std::puts(verdict == 0 ? "valid" : "not valid");

@@ -2,6 +2,8 @@
 // the Montgomery product is in the files named after it.
 #include <ktbase/longarith.h>
 
+#include <algorithm>
+
 #include "montgomery_product.h"
 
 namespace {
@@ -56,7 +58,7 @@ void privLAN(unsigned short* a, unsigned short* m, unsigned short mont, short na
             a[j - 1] = low_half(t);
             carry = high_half(t);
         }
-        int top = nm - 1;  // the limb that the carry enters
+        int top = std::max<int>(nm, 1) - 1;  // the limb that the carry enters
         for (; top + 1 < na; ++top) {
             const std::uint32_t t = a[top + 1] + carry;
             a[top] = low_half(t);

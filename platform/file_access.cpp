@@ -18,7 +18,7 @@ KtFileHandle KtOpenFile(const char* path, int flags, int extra, int /*unused*/) 
     const KtFileHandle file = (flags & O_CREAT) != 0
                                   ? open(path, flags | extra, S_IFREG | S_IRUSR | S_IWUSR)
                                   : open(path, flags | O_LARGEFILE | extra);
-    if (file == -1) return kInvalidHandle;
+    if (file == kInvalidHandle) return kInvalidHandle;
     ++SYS_OPENFILES;
     return file;
 }

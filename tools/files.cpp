@@ -6,7 +6,9 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <utility>
 #include <vector>
 
@@ -15,6 +17,13 @@ namespace {
 constexpr std::size_t kPieceBytes = 1 << 16;
 constexpr mode_t kOwnerOnly = 0600;
 constexpr mode_t kEverybody = 0666;  // less the umask
+constexpr mode_t kPermissions = 07777;
+
+mode_t current_umask() {
+    const mode_t mask = umask(0);
+    umask(mask);
+    return mask;
+}
 
 [[noreturn]] void fail(const std::string& path) {
     throw FileError(path, std::strerror(errno));
@@ -22,13 +31,12 @@ constexpr mode_t kEverybody = 0666;  // less the umask
 
 class Descriptor {
 public:
-    // Opens `path`, which an error calls `shown`.
-    Descriptor(const std::string& path, int flags, mode_t mode, const std::string& shown)
-        : fd_(open(path.c_str(), flags | O_CLOEXEC, mode)) {
-        if (fd_ == -1) fail(shown);
+    // Takes over what was opened for `path`; -1 is a failure.
+    Descriptor(int fd, const std::string& path) : fd_(fd) {
+        if (fd_ == -1) fail(path);
     }
     Descriptor(const std::string& path, int flags, mode_t mode = 0)
-        : Descriptor(path, flags, mode, path) {}
+        : Descriptor(open(path.c_str(), flags | O_CLOEXEC, mode), path) {}
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
     ~Descriptor() {
@@ -101,15 +109,21 @@ void create_file(const std::string& path, ConstBytes content, Readers readers) {
 
 void replace_file(const std::string& path, ConstBytes content) {
     struct stat status;
-    if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
-        // A terminal, a pipe: there is nothing to replace. A directory is refused here.
-        if (!Descriptor(path, O_WRONLY).write_and_close(content)) fail(path);
-        return;
+    mode_t mode = kEverybody & ~current_umask();
+    std::string target = path;
+    if (stat(path.c_str(), &status) == 0) {
+        if (!S_ISREG(status.st_mode)) {
+            // A terminal, a pipe: there is nothing to replace. A directory is refused here.
+            if (!Descriptor(path, O_WRONLY).write_and_close(content)) fail(path);
+            return;
+        }
+        mode = status.st_mode & kPermissions;
+        target = std::filesystem::canonical(path);
     }
-    const std::string beside = path + ".tmp" + std::to_string(getpid());
-    Descriptor file(beside, O_WRONLY | O_CREAT | O_EXCL, kEverybody, path);
-    Provisional created(beside);
-    if (!file.write_and_close(content) || std::rename(beside.c_str(), path.c_str()) == -1)
-        fail(path);
-    created.keep();
+    std::string beside = std::filesystem::path(target).replace_filename(".ktsign-XXXXXX");
+    Descriptor file(mkostemp(beside.data(), O_CLOEXEC), path);
+    const Provisional created(beside);
+    if (fchmod(file.get(), mode) == -1 || !file.write_and_close(content)) fail(path);
+    // Renamed, it is gone from where it would be removed.
+    if (std::rename(beside.c_str(), target.c_str()) == -1) fail(path);
 }

@@ -27,8 +27,9 @@ enum class Readers { owner, everybody };  // everybody, less the umask
 // Writes a file that must not exist yet. Throws FileError, and then leaves everything as it was.
 void create_file(const std::string& path, ConstBytes content, Readers readers);
 
-// Writes a file, or replaces it: another reader sees the old content or the new, never a part.
-// Throws FileError, and then leaves everything as it was.
+// Writes a file, or replaces it: another reader sees the old content or the new, never a part. What
+// is replaced keeps its mode, but not its other names; a link is followed. Throws FileError, and
+// then leaves everything as it was.
 void replace_file(const std::string& path, ConstBytes content);
 
 #endif

@@ -1,8 +1,11 @@
 // ktsign: makes keys, signatures and key blobs for the library to verify.
 #include <ktbase/digest.h>
 
+#include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -113,8 +116,11 @@ int run(const std::vector<std::string>& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::signal(SIGXFSZ, SIG_IGN);  // a file too long for its limit is an error like others
     try {
-        return run({argv + 1, argv + argc});
+        const int status = run({argv + 1, argv + argc});
+        if (!std::cout.flush()) throw FileError("standard output", std::strerror(errno));
+        return status;
     } catch (const std::exception& error) {
         std::cerr << "ktsign: " << error.what() << '\n';
         return kFailed;

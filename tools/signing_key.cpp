@@ -118,6 +118,10 @@ SigningKey SigningKey::from_pem(const std::string& pem) {
     if (BN_is_zero(x.get()) != 0 || BN_is_negative(x.get()) != 0 ||
         BN_cmp(x.get(), number(kDomainQ).get()) >= 0)
         throw KeyError("the private key is out of range");
+    // Some forms of PEM bring a public value of their own.
+    if (BN_cmp(parameter(key.get(), OSSL_PKEY_PARAM_PUB_KEY).get(),
+               power_mod_p(number(kDomainG), x).get()) != 0)
+        throw KeyError("the public value does not belong to the private key");
     return SigningKey(std::move(key));
 }
 

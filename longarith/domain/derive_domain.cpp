@@ -221,13 +221,32 @@ std::string read_file(const char* path) {
     return text.str();
 }
 
-void write_file(const char* path, const std::string& text) {
-    std::ofstream file(path, std::ios::binary);
-    if (file << text << std::flush) return;
-    const std::string reason = std::strerror(errno);
-    std::remove(path);
-    throw std::runtime_error(std::string(path) + ": " + reason);
-}
+// A file that takes its place when it is complete, and is gone otherwise.
+class OutputFile {
+public:
+    OutputFile(const std::string& path, const std::string& text)
+        : path_(path), beside_(path + ".tmp") {
+        std::ofstream file(beside_, std::ios::binary);
+        if (!(file << text << std::flush)) fail();
+    }
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+    ~OutputFile() { std::remove(beside_.c_str()); }
+
+    void put_in_place() const {
+        if (std::rename(beside_.c_str(), path_.c_str()) == -1) fail();
+    }
+
+private:
+    [[noreturn]] void fail() const {
+        const std::string reason = std::strerror(errno);
+        std::remove(beside_.c_str());
+        throw std::runtime_error(path_ + ": " + reason);
+    }
+
+    std::string path_;
+    std::string beside_;
+};
 
 }  // namespace
 
@@ -239,8 +258,10 @@ int main(int argc, char** argv) {
     try {
         const Domain domain = parse_domain(read_file(argv[1]));
         check_domain(domain);
-        write_file(argv[2], tables_source(domain));
-        write_file(argv[3], numbers_header(domain));
+        const OutputFile tables(argv[2], tables_source(domain));
+        const OutputFile numbers(argv[3], numbers_header(domain));
+        tables.put_in_place();
+        numbers.put_in_place();
     } catch (const DomainError& error) {
         std::cerr << "derive_domain: " << argv[1] << ": " << error.what() << '\n';
         return 1;

@@ -63,7 +63,9 @@ printf 'p\n' > test.domain;                                  refused "line 1: no
 rm test.domain;                                              refused "No such file or directory"
 mkdir test.domain;                                           refused "Is a directory"
 
-"$derive" "$good" /nowhere/tables numbers 2> out && fail "wrote into a missing folder"
-[ "$(cat out)" = "derive_domain: /nowhere/tables: No such file or directory" ] || fail "$(cat out)"
+rm -rf ./*
+"$derive" "$good" tables /nowhere/numbers 2> out && fail "wrote into a missing folder"
+[ "$(cat out)" = "derive_domain: /nowhere/numbers: No such file or directory" ] || fail "$(cat out)"
+[ "$(ls)" = out ] || fail "left output: $(ls)"
 
 [ "$failures" = 0 ]

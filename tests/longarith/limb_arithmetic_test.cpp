@@ -19,7 +19,7 @@ TEST(LimbArithmetic, byte_strings_of_odd_and_even_length_map_to_limbs_and_back) 
     // The longest string there is: an index of the count's own type would never get past it.
     std::vector<unsigned char> longest(32767, 0xA5);
     Limbs many(16384);
-    packLAN(longest.data() + 0, many.data(), 32767);
+    packLAN(longest.data(), many.data(), 32767);
     EXPECT_EQ(many[16382], 0xA5A5);
     EXPECT_EQ(many[16383], 0x00A5);
     std::vector<unsigned char> again(32768);

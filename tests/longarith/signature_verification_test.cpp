@@ -20,6 +20,9 @@ struct SignatureVerification : testing::Test {
     Bytes signature = fips186::signature();
     Bytes message = fips186::little_endian(fips186::kDigest);
 
+    void SetUp() override {
+        if (vectors("domain")[0][0] != fips186::kQ) GTEST_SKIP() << "built for another domain";
+    }
     int check() {
         HASH_CTX digest = fips186::digest(message);
         return CheckSignature(key.data(), signature.data(), &digest);
@@ -38,7 +41,12 @@ TEST_F(SignatureVerification, accepts_the_published_example_and_no_single_bit_ch
     EXPECT_EQ(check(), 0);
 }
 
-TEST_F(SignatureVerification, accepts_what_others_compute_for_keys_and_digests_of_all_sizes) {
+struct SignatureVerificationInAnyDomain : SignatureVerification {
+    void SetUp() override {}
+};
+
+TEST_F(SignatureVerificationInAnyDomain,
+       accepts_what_others_compute_for_keys_and_digests_of_all_sizes) {
     const auto cases = vectors("signature");
     ASSERT_EQ(cases.size(), 66U);
     for (const auto& v : cases) {

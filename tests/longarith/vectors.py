@@ -5,6 +5,7 @@
   power E1 E2 TABLE RESULT             TABLE of 8; RESULT = g^E1 * y^E2 * 2^512 mod p, fully reduced
   inverse X RESULT
   signature KEY DIGEST R S             a valid one; KEY of 4; numbers as the blobs have them
+  domain Q
 Numbers are in big-endian hexadecimal of their full width, counts in decimal.
 usage: vectors.py DOMAIN_FILE
 """
@@ -96,6 +97,7 @@ def signature(digest):
     print("signature", hexadecimal(32, *key), hexadecimal(10, digest, r, s))
 
 
+print("domain", hexadecimal(10, q))
 for limbs in range(1, 33):
     for _ in range(60):
         product(limbs)
