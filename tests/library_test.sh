@@ -36,4 +36,11 @@ expect "exported functions that an indirect call may not reach" "" \
 # One entry is the compiler's own, in every library; a static constructor would be a second.
 expect "functions run at load" 4 "$((16#$(readelf -SW "$library" | awk '/\.init_array/ { print $(NF - 5) }')))"
 
+# Plain symbols have no argument types; both forms of a constructor are one line.
+exports=$(nm -D --defined-only "$library" | sed -n 's/^[0-9a-f]* [^A] \(.*\)@@KTBASE_1$/\1/p' | c++filt |
+    sed 's/std::__cxx11::basic_string<char, std::char_traits<char>, std::allocator<char> >/std::string/g' |
+    LC_ALL=C sort -u)
+expect "symbols other than the interface's" "" "$(diff "$(dirname "$0")/interface.txt" - <<< "$exports")"
+expect "symbols outside the version" "" "$(nm -D --defined-only "$library" | grep -v '@@KTBASE_1$' | grep -v ' A KTBASE_1$')"
+
 [ "$failures" = 0 ]
