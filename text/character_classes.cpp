@@ -16,9 +16,9 @@ constexpr std::array<unsigned char, 256> make_classes() {
     std::array<unsigned char, 256> classes{};
     for (unsigned c = 0; c < 0x20; ++c) classes[c] |= CHAR_CTL;
     classes[0x7f] |= CHAR_CTL;
-    for (const char c : kSpaces) classes[static_cast<unsigned>(c)] |= CHAR_SPACE;
-    for (const char c : kSpecials) classes[static_cast<unsigned>(c)] |= CHAR_SPECIAL;
-    for (const char c : kTspecials) classes[static_cast<unsigned>(c)] |= CHAR_TSPECIAL;
+    for (const char c : kSpaces) classes[static_cast<unsigned char>(c)] |= CHAR_SPACE;
+    for (const char c : kSpecials) classes[static_cast<unsigned char>(c)] |= CHAR_SPECIAL;
+    for (const char c : kTspecials) classes[static_cast<unsigned char>(c)] |= CHAR_TSPECIAL;
     return classes;
 }
 
