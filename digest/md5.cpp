@@ -33,9 +33,12 @@ constexpr std::uint32_t kSines[64] = {
     0xf4292244, 0x432aff97, 0xab9423a7, 0xfc93a039, 0x655b59c3, 0x8f0ccc92, 0xffeff47d, 0x85845dd1,
     0x6fa87e4f, 0xfe2ce6e0, 0xa3014314, 0x4e0811a1, 0xf7537e82, 0xbd3af235, 0x2ad7d2bb, 0xeb86d391};
 
-std::uint32_t little_endian_word(const unsigned char* bytes) {
-    return bytes[0] | std::uint32_t{bytes[1]} << 8 | std::uint32_t{bytes[2]} << 16 |
-           std::uint32_t{bytes[3]} << 24;
+// A little-endian word at any address. Volatile: it is read again at each use, where the compiler
+// would keep it between two uses on the stack.
+using WordInPlace [[gnu::aligned(1), gnu::may_alias]] = const volatile std::uint32_t;
+
+std::uint32_t word_at(const unsigned char* bytes) {
+    return *reinterpret_cast<WordInPlace*>(bytes);
 }
 
 void put_little_endian(unsigned char* bytes, const std::uint32_t* words, unsigned count) {
@@ -43,76 +46,66 @@ void put_little_endian(unsigned char* bytes, const std::uint32_t* words, unsigne
         bytes[i] = static_cast<unsigned char>(words[i / 4] >> 8 * (i % 4));
 }
 
-std::uint32_t f(std::uint32_t b, std::uint32_t c, std::uint32_t d) {
-    return ((c ^ d) & b) ^ d;
-}
-std::uint32_t g(std::uint32_t b, std::uint32_t c, std::uint32_t d) {
-    return ((b ^ c) & d) ^ c;
-}
-std::uint32_t h(std::uint32_t b, std::uint32_t c, std::uint32_t d) {
-    return b ^ c ^ d;
-}
-std::uint32_t i(std::uint32_t b, std::uint32_t c, std::uint32_t d) {
-    return c ^ (b | ~d);
+struct Round {
+    unsigned stride, start;  // step t takes the word stride * t + start, modulo 16
+    int shifts[4];
+};
+constexpr Round kRounds[4] = {{1, 0, {7, 12, 17, 22}},
+                              {5, 1, {5, 9, 14, 20}},
+                              {3, 5, {4, 11, 16, 23}},
+                              {7, 0, {6, 10, 15, 21}}};
+
+// The functions F to I of section 3.4 are added so that b, which is the sum of the step before, is
+// waited for last: the steps are one chain, and nothing else takes time. The word is read from the
+// block when it is added and kept nowhere, so that there is nothing of the message to wipe.
+template <unsigned T>
+[[gnu::always_inline]] inline void step(std::uint32_t& a, std::uint32_t b, std::uint32_t c,
+                                        std::uint32_t d, const unsigned char* block) {
+    constexpr const Round& kRound = kRounds[T / 16];
+    constexpr unsigned kWord = (kRound.stride * T + kRound.start) % kBlockWords;
+    a += kSines[T];
+    a += word_at(block + 4 * kWord);
+    if constexpr (T < 16) {
+        a += ((c ^ d) & b) ^ d;
+    } else if constexpr (T < 32) {
+        // G in two sums: no bit is set in both.
+        a += c & ~d;
+        a += b & d;
+    } else if constexpr (T < 48) {
+        a += (c ^ d) ^ b;
+    } else {
+        a += c ^ (b | ~d);
+    }
+    a = b + std::rotl(a, kRound.shifts[T % 4]);
 }
 
 struct WorkingState {
     std::uint32_t a, b, c, d;
 };
 
-// The words of a block, from decoding until they are wiped. Volatile, so that a step loads its word
-// from here and none is kept for a later step in a register, whose spill slot nobody would wipe;
-// and so that the wipe of memory about to die stays.
-class BlockWords {
-public:
-    explicit BlockWords(const unsigned char* block) {
-        for (unsigned k = 0; k < kBlockWords; ++k) words_[k] = little_endian_word(block + 4 * k);
-    }
-    BlockWords(const BlockWords&) = delete;
-    BlockWords& operator=(const BlockWords&) = delete;
-    ~BlockWords() {
-        for (volatile std::uint32_t& word : words_) word = 0;
-    }
-    const volatile std::uint32_t& operator[](unsigned k) const { return words_[k % kBlockWords]; }
-
-private:
-    volatile std::uint32_t words_[kBlockWords];
-};
-
-// The two empty instructions keep the load at the addition; a word loaded earlier would wait in a
-// slot of the stack that nobody wipes.
-std::uint32_t add_as_loaded(std::uint32_t sum, const volatile std::uint32_t& word) {
-    asm("" : "+r"(sum));
-    sum += word;
-    asm("" : "+r"(sum));
-    return sum;
+template <unsigned First>
+[[gnu::always_inline]] inline void sixteen_steps(WorkingState& s, const unsigned char* block) {
+    step<First>(s.a, s.b, s.c, s.d, block);
+    step<First + 1>(s.d, s.a, s.b, s.c, block);
+    step<First + 2>(s.c, s.d, s.a, s.b, block);
+    step<First + 3>(s.b, s.c, s.d, s.a, block);
+    if constexpr (First % 16 < 12) sixteen_steps<First + 4>(s, block);
 }
 
-struct Shifts {
-    int by[4];
-};
-
-// The round that begins at step `First`; step t takes the word Stride * t + Start, modulo 16.
-template <auto RoundFunction, unsigned First, unsigned Stride, unsigned Start>
-void sixteen_steps(WorkingState& s, const BlockWords& words, const Shifts& shifts) {
-    for (unsigned t = First; t < First + 16; ++t) {
-        const std::uint32_t sum = add_as_loaded(s.a + kSines[t], words[Stride * t + Start]) +
-                                  RoundFunction(s.b, s.c, s.d);
-        s = {s.d, s.b + std::rotl(sum, shifts.by[t % 4]), s.b, s.c};
-    }
-}
-
-void compress(std::uint32_t* state, const unsigned char* block) {
-    const BlockWords words(block);
+// Compresses `count` blocks that follow each other.
+void compress(std::uint32_t* state, const unsigned char* block, unsigned count) {
     WorkingState s = {state[0], state[1], state[2], state[3]};
-    sixteen_steps<f, 0, 1, 0>(s, words, {{7, 12, 17, 22}});
-    sixteen_steps<g, 16, 5, 1>(s, words, {{5, 9, 14, 20}});
-    sixteen_steps<h, 32, 3, 5>(s, words, {{4, 11, 16, 23}});
-    sixteen_steps<i, 48, 7, 0>(s, words, {{6, 10, 15, 21}});
-    state[0] += s.a;
-    state[1] += s.b;
-    state[2] += s.c;
-    state[3] += s.d;
+    for (; count != 0; --count, block += kBlockBytes) {
+        sixteen_steps<0>(s, block);
+        sixteen_steps<16>(s, block);
+        sixteen_steps<32>(s, block);
+        sixteen_steps<48>(s, block);
+        s = {state[0] + s.a, state[1] + s.b, state[2] + s.c, state[3] + s.d};
+        state[0] = s.a;
+        state[1] = s.b;
+        state[2] = s.c;
+        state[3] = s.d;
+    }
 }
 
 // The bytes of `buffer` that wait for the rest of their block.
@@ -141,11 +134,13 @@ void MD5Update(MD5_CTX* ctx, const unsigned char* input, unsigned length) {
     const unsigned missing = kBlockBytes - used;
     if (length >= missing) {
         std::memmove(ctx->buffer + used, input, missing);
-        compress(ctx->state, ctx->buffer);
+        compress(ctx->state, ctx->buffer, 1);
         input += missing;
         length -= missing;
-        for (; length >= kBlockBytes; length -= kBlockBytes, input += kBlockBytes)
-            compress(ctx->state, input);
+        const unsigned blocks = length / kBlockBytes;
+        compress(ctx->state, input, blocks);
+        input += blocks * kBlockBytes;
+        length %= kBlockBytes;
         used = 0;
     }
     // No move of nothing: its address may be null.
@@ -153,12 +148,12 @@ void MD5Update(MD5_CTX* ctx, const unsigned char* input, unsigned length) {
 }
 
 void MD5Transform(std::uint32_t* state, const unsigned char* block) {
-    compress(state, block);
+    compress(state, block, 1);
 }
 
 void MD5Transform2(std::uint32_t* state, const unsigned char* block) {
     std::uint32_t reversed[4] = {state[3], state[2], state[1], state[0]};
-    compress(reversed, block);
+    compress(reversed, block, 1);
     for (unsigned k = 0; k < 4; ++k) state[k] = reversed[3 - k];
 }
 
