@@ -41,7 +41,7 @@ void copy_limbs(void* to, const void* from, int n) {
         std::memcpy(to, from, size);
         return;
     }
-    // At most twice the size of Lanes: two copies, which may overlap.
+    // At most twice the size of Lanes: both ends, which may overlap.
     const unsigned rest = size - sizeof(Lanes);
     const Lanes low = load_unaligned(from);
     const Lanes high = load_unaligned(static_cast<const unsigned char*>(from) + rest);
@@ -52,23 +52,23 @@ void copy_limbs(void* to, const void* from, int n) {
 // A number of kBlocks blocks as little-endian bytes, with the bytes that split_digits reads on.
 template <int kBlocks>
 struct Bytes {
-    alignas(64) unsigned char byte[3 * sizeof(Lanes)];
+    // Whole lanes, with room for what split_digits reads on.
+    static constexpr int kSize = (kBlockBytes * kBlocks + 3 + 31) / 32 * 32;
+    alignas(64) unsigned char byte[kSize];
 
     Bytes(const std::uint16_t* limbs, int n, int start) {
-        static_assert(kBlockBytes * kBlocks + 3 <= sizeof(byte));
-        for (unsigned i = 0; i < sizeof(byte); i += sizeof(Lanes)) store(byte + i, all(0));
+        for (int i = 0; i < kSize; i += 32) store(byte + i, all(0));
         copy_limbs(byte + start, limbs, n);
     }
     Lanes digits(int block) const { return split_digits(byte + kBlockBytes * block); }
 };
 
-// The factor of a column sum: lane j holds the digits j - 1 (high half) and j, zeros outside the
-// number, so that the lane's multiply_pairs with (b[i], b[i+1]) is what column i + j gets from two
-// digits of b.
+// The factor a or m. Lane j holds its digits j (low half) and j - 1, and zeros outside the number:
+// multiplied by the pair of b[i] (low half) and b[i+1] it is what column i + j gets from the two.
 template <int kBlocks>
 struct Multiplicand {
     static constexpr int kDigits = kBlockDigits * kBlocks;
-    alignas(64) std::uint32_t lane[kDigits + 3 * kBlockDigits];
+    alignas(64) std::uint32_t lane[kDigits + 2 * kBlockDigits];
 
     explicit Multiplicand(const Bytes<kBlocks>& number) {
         Lanes before = all(0);
@@ -79,30 +79,31 @@ struct Multiplicand {
             before = digits;
         }
         set(kBlocks, shift_up_16(next_lane(all(0), before)));
-        set(kBlocks + 1, all(0));
     }
     void set(int block, Lanes digits) { store(lane + kBlockDigits * (block + 1), digits); }
     std::uint32_t digit(int j) const { return lane[kBlockDigits + j] & kDigitMask; }
 
-    // to[c] = from[c] + what column `first` + c gets from a block of pairs, for kBlocks + 1 blocks
-    // of columns.
+    // to[c] = from[c] + what column first + c gets from a block of pairs, up to the last column
+    // that gets something.
     void multiply_add(std::uint32_t* to, const std::uint32_t* from, int first,
                       const std::uint32_t* pairs) const {
         const Lanes pair0 = all(pairs[0]);
         const Lanes pair1 = all(pairs[1]);
         const Lanes pair2 = all(pairs[2]);
         const Lanes pair3 = all(pairs[3]);
-        for (int c = 0; c <= kDigits; c += kBlockDigits) {
+        for (int c = 0; first + c <= kDigits; c += kBlockDigits) {
             const std::uint32_t* const at = lane + kBlockDigits + first + c;
-            const Lanes low = multiply_pairs(load_unaligned(at), pair0) +
-                              multiply_pairs(load_unaligned(at - 2), pair1);
-            const Lanes high = multiply_pairs(load_unaligned(at - 4), pair2) +
-                               multiply_pairs(load_unaligned(at - 6), pair3);
-            store(to + c, load(from + c) + (low + high));
+            // The last pair comes last from the reduction, so nothing waits for it but one sum.
+            const Lanes sum = load(from + c) + multiply_pairs(load_unaligned(at), pair0) +
+                              multiply_pairs(load_unaligned(at - 2), pair1) +
+                              multiply_pairs(load_unaligned(at - 4), pair2) +
+                              multiply_pairs(load_unaligned(at - 6), pair3);
+            store(to + c, sum);
         }
     }
 };
 
+// The factor b: lane 2i holds its digits 2i (low half) and 2i + 1.
 template <int kBlocks>
 struct Multiplier {
     alignas(64) std::uint32_t lane[kBlockDigits * kBlocks];
@@ -127,24 +128,18 @@ public:
     // Computes the eight digits that make the lowest eight columns a multiple of 2^104, as pairs,
     // and keeps what these columns carry into the next one.
     void next_block(const std::uint32_t* column, std::uint32_t* pairs) {
-        std::uint32_t v[kBlockDigits];
+        std::uint32_t t[kBlockDigits];
+        for (int c = 0; c < kBlockDigits; ++c) t[c] = column[c];
 #pragma GCC unroll 4
         for (int c = 0; c < kBlockDigits; c += 2) {
-            std::uint32_t t0 = column[c];
-            std::uint32_t t1 = column[c + 1];
+            const std::uint32_t pair = (t[c] + (t[c + 1] << 13) + carry_) * inverse_;
+            const std::uint32_t v0 = pair & kDigitMask;
+            const std::uint32_t v1 = pair >> 13 & kDigitMask;
+            const std::uint32_t carry = (t[c] + carry_ + m_[0] * v0) >> 13;
+            carry_ = (t[c + 1] + m_[1] * v0 + m_[0] * v1 + carry) >> 13;
+            pairs[c / 2] = v0 | v1 << 16;
 #pragma GCC unroll 8
-            for (int i = 0; i < c; ++i) {
-                t0 += m_[c - i] * v[i];
-                t1 += m_[c + 1 - i] * v[i];
-            }
-            t0 += carry_;
-            const std::uint32_t pair = (t0 + (t1 << 13)) * inverse_ & kPairMask;
-            v[c] = pair & kDigitMask;
-            v[c + 1] = pair >> 13;
-            t0 += m_[0] * v[c];
-            t1 += m_[1] * v[c] + m_[0] * v[c + 1] + (t0 >> 13);
-            carry_ = t1 >> 13;
-            pairs[c / 2] = v[c] | v[c + 1] << 16;
+            for (int j = c + 2; j < kBlockDigits; ++j) t[j] += m_[j - c] * v0 + m_[j - c - 1] * v1;
         }
     }
     std::uint32_t carry() const {
@@ -168,11 +163,17 @@ struct Columns {
         for (int c = 0; c < kDigits + 2 * kBlockDigits; c += kBlockDigits)
             store(column + c, all(0));
     }
-    // Passes the upper part of every column on to the next one. A column holds less than 41*2^26
-    // by the bound in multiply, and keeps less than 42*2^13.
-    void pass_carries() {
+    // Ends a shift of the columns down by a block.
+    void shift_last_block() {
+        store(column + kDigits, load(column + kDigits + kBlockDigits));
+        store(column + kDigits + kBlockDigits, all(0));
+    }
+
+    // Passes the upper part of every column from the first on to the next one. A column holds less
+    // than 49*2^26 by the bound in multiply, and keeps less than 50*2^13.
+    void pass_carries(int first) {
         Lanes before = all(0);
-        for (int c = 0; c < kDigits + 2 * kBlockDigits; c += kBlockDigits) {
+        for (int c = first; c < kDigits + 2 * kBlockDigits; c += kBlockDigits) {
             const Lanes sum = load(column + c);
             const Lanes carries = shift_down_13(sum);
             store(column + c, (sum & all(kDigitMask)) + next_lane(carries, before));
@@ -187,7 +188,7 @@ struct Columns {
             std::uint32_t pair[kBlockPairs];
             for (int i = 0; i < kBlockPairs; ++i) {
                 const std::uint32_t* const at = column + kBlockDigits * block + 2 * i;
-                // Less than 42*2^26 + 2^20 fits.
+                // Less than 50*2^26 + 2^20, which fits.
                 const std::uint32_t t = at[0] + (at[1] << 13) + carry;
                 pair[i] = t & kPairMask;
                 carry = t >> 26;
@@ -219,17 +220,17 @@ void multiply(const std::uint16_t* a, const std::uint16_t* b, std::uint16_t* out
     Reduction reduction(modulus, mont);
     add_block_of_b(column, 0);
     for (int block = 0; block < kBlocks; ++block) {
-        // From a block of b or V a column gets at most eight products below 2^26. Of the ten
-        // blocks it has three and two here, and gets two and three afterwards: with the carries
-        // less than 40*2^26 + 2^20, which fits; ten at once would not.
-        if (block == 2) sum.pass_carries();
         if (block + 1 < kBlocks) add_block_of_b(column + kBlockDigits, block + 1);
         std::uint32_t v_pairs[kBlockPairs];
         reduction.next_block(column, v_pairs);
+        // From a block of b or V a column gets at most eight products below 2^26. Of the ten
+        // blocks it has four and two by now, and gets one and three yet: with the carries less
+        // than 48*2^26 + 2^20, which fits; ten at once would not.
+        if (block == 2) sum.pass_carries(kBlockDigits);
         modulus.multiply_add(column, column + kBlockDigits, kBlockDigits, v_pairs);
-        store(column + sum.kDigits + kBlockDigits, all(0));
+        sum.shift_last_block();
     }
-    sum.pass_carries();
+    sum.pass_carries(0);
 
     std::uint16_t result[kMaxProductLimbs + 4];
     static_assert(kBlockBytes * kBlocks + 4 <= sizeof(result));
