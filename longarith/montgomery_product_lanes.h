@@ -17,8 +17,8 @@
 // where V = S*U for the U that belongs to R: the same T to the last limb. S is a power of 2^8, so
 // that a enters shifted by whole bytes.
 //
-// Nothing here may have a linkage that another source could share: the linker would be free to
-// take this source's copy for a CPU that cannot run it.
+// Everything here is the including source's own: of a function shared by name the linker keeps one
+// copy, and that might be one that the CPU cannot run.
 #ifndef KTBASE_LONGARITH_MONTGOMERY_PRODUCT_LANES_H
 #define KTBASE_LONGARITH_MONTGOMERY_PRODUCT_LANES_H
 
@@ -26,7 +26,7 @@
 
 #include "montgomery_product.h"
 
-namespace {
+namespace {  // NOLINT(cert-dcl59-cpp): see above
 
 constexpr std::uint32_t kDigitMask = (1U << 13) - 1;
 constexpr std::uint32_t kPairMask = (1U << 26) - 1;
