@@ -1,0 +1,74 @@
+// Words and full paths against a splitter that collects words into strings and paths built of
+// strings.
+#include <ktbase/platform.h>
+
+#include <cstring>
+#include <memory>
+
+#include "fuzz.h"
+
+namespace {
+
+std::vector<std::string> words(const std::string& text) {
+    std::vector<std::string> found;
+    for (std::size_t i = 0; i < text.size();) {
+        if (text[i] == ' ') {
+            ++i;
+            continue;
+        }
+        int quotes = 0;
+        std::string word;
+        for (; i < text.size() && quotes < 2 && (quotes == 1 || text[i] != ' '); ++i)
+            if (text[i] == '"')
+                ++quotes;
+            else
+                word += text[i];
+        found.push_back(word);
+    }
+    return found;
+}
+
+std::string backslashed(std::string path) {
+    std::replace(path.begin(), path.end(), '/', '\\');
+    return path;
+}
+
+std::string full_path(const std::string& path, const std::string& name) {
+    if (name.empty()) return "";
+    if (name.starts_with("\\\\")) return backslashed(name);
+    if (name[0] == '\\')
+        return (path.find('\\') == path.npos ? "" : path.substr(0, path.find('\\'))) + name;
+    if (name.substr(1).starts_with(':') || path.find('\\') == path.npos) return backslashed(name);
+    return path.substr(0, path.rfind('\\') + 1) + name;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    Input input(data, size);
+    const unsigned repeats = input.byte() == 'R' ? 400 : 1;  // paths beyond 4,096 characters
+    std::string program;
+    const std::string part = input.text();
+    for (unsigned i = 0; i < repeats; ++i) program += part;
+    const std::string name = input.text();
+    const std::string text = input.text().substr(0, 4097);
+
+    char* table[] = {program.data(), nullptr};
+    const auto line = std::make_unique<KtCmdLine>(1, table);
+    const std::string path = backslashed(program).substr(0, 4096);
+    require(pCmdLine == line.get() && path == line->text + 1, "path text");
+    std::string out(full_path(path, name).size() + path.size() + 1, '#');
+    require(line->MakeFullPath(name.c_str(), out.data()) == out.data(), "MakeFullPath's result");
+    require(out.c_str() == full_path(path, name), "MakeFullPath");
+
+    const auto expected = words(text);
+    std::vector<char*> argv(expected.size() + 1);
+    line->argv = argv.data();
+    std::strcpy(line->text, text.c_str());
+    require(line->ParseCmdLine() == 0, "ParseCmdLine's result");
+    require(line->argc == static_cast<int>(argv.size()) && argv[0] == line->text + 1, "argc");
+    require(std::equal(expected.begin(), expected.end(), argv.begin() + 1,
+                       [](const std::string& a, const char* b) { return a == b; }),
+            "words");
+    return 0;
+}
