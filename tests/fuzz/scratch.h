@@ -1,4 +1,4 @@
-// A directory of the fuzzer's own, in memory where the machine has that, removed at exit.
+// A directory of the fuzzer's own, removed at exit.
 #ifndef KTBASE_TESTS_FUZZ_SCRATCH_H
 #define KTBASE_TESTS_FUZZ_SCRATCH_H
 
@@ -10,8 +10,7 @@
 class Scratch {
 public:
     Scratch() {
-        std::string name = std::filesystem::exists("/dev/shm") ? "/dev/shm" : "/tmp";
-        name += "/ktbase_fuzz_XXXXXX";
+        std::string name = std::filesystem::temp_directory_path() / "ktbase_fuzz_XXXXXX";
         if (mkdtemp(name.data()) == nullptr) std::abort();
         path_ = name;
     }
