@@ -87,17 +87,19 @@ void MD5Final(unsigned char* digest, MD5_CTX* ctx);
 // GetBufferMD5: the input comes first, the digest last.
 namespace vantu {
 
+// ::MD5_CTX again: the same fields in the same places.
 struct MD5_CTX {
-    std::uint32_t state[4];
-    std::uint32_t count[2];
-    unsigned char buffer[64];
+    std::uint32_t state[4];    // chaining values A to D
+    std::uint32_t count[2];    // bits absorbed, modulo 2^64, low word first
+    unsigned char buffer[64];  // the current block
 };
 
+// What MD5Init, MD5Update and MD5Final do.
 void MD5_Init(MD5_CTX* ctx);
 void MD5_Update(MD5_CTX* ctx, const unsigned char* input, unsigned int length);
 void MD5_Final(unsigned char* digest, MD5_CTX* ctx);
 
-// Returns what GetBufferMD5 returns: 1.
+// Does what GetBufferMD5 does, and returns 1.
 int MD5(const char* input, unsigned int length, unsigned char* digest);
 
 }  // namespace vantu

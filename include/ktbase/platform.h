@@ -292,8 +292,8 @@ public:
     // Position 0 is where splitting starts; positions 1 to 4,096 are the path text, which a split
     // shares with the words; the last is always NUL.
     char text[4098];
-    std::int32_t argc;
-    char** argv;  // the caller's table, or the default one
+    std::int32_t argc;  // the entries of `argv` in use, the program's path included
+    char** argv;        // the caller's table, or the default one
 };
 
 extern "C" {
