@@ -15,14 +15,6 @@ struct Cpuid {
 constexpr unsigned kFeatures = 1;
 constexpr unsigned kExtendedFeatures = 7;
 
-// The parts of the register file that the system saves and restores, for a processor with xgetbv.
-unsigned kept_registers() {
-    unsigned low = 0;
-    unsigned high = 0;
-    asm volatile("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
-    return low;
-}
-
 }  // namespace
 
 bool has_sse2() {
@@ -33,12 +25,4 @@ bool has_sha() {
     constexpr unsigned kNeeded = bit_SSSE3 | bit_SSE4_1;
     return (Cpuid(kFeatures).ecx & kNeeded) == kNeeded &&
            (Cpuid(kExtendedFeatures).ebx & bit_SHA) != 0;
-}
-
-bool has_avx512vl() {
-    if ((Cpuid(kFeatures).ecx & bit_OSXSAVE) == 0) return false;
-    constexpr unsigned kVectorAndMaskRegisters = 0xE6;
-    if ((kept_registers() & kVectorAndMaskRegisters) != kVectorAndMaskRegisters) return false;
-    constexpr unsigned kNeeded = bit_AVX512F | bit_AVX512VL;
-    return (Cpuid(kExtendedFeatures).ebx & kNeeded) == kNeeded;
 }

@@ -45,12 +45,14 @@ struct WorkingState {
 };
 
 // One round with its variables in place; the sum is left in e, for the caller to rename. What was
-// known longest is added first, since each round waits for the sum of the one before.
+// known longest is added first, since each round waits for the sum of the one before. The empty
+// instructions hold the compiler to that order.
 template <unsigned Twenty>
 [[gnu::always_inline]] inline void one_round(std::uint32_t a, std::uint32_t& b, std::uint32_t c,
                                              std::uint32_t d, std::uint32_t& e,
                                              std::uint32_t word_and_constant) {
     e += word_and_constant;
+    asm("" : "+r"(e));
     if constexpr (Twenty == 0) {
         e += ((c ^ d) & b) ^ d;
     } else if constexpr (Twenty == 2) {
@@ -60,6 +62,7 @@ template <unsigned Twenty>
     } else {
         e += (c ^ d) ^ b;
     }
+    asm("" : "+r"(e));
     b = rotated(b, 30);
     e += rotated(a, 5);
 }
