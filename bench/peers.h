@@ -1,0 +1,41 @@
+// General libraries that do the same work, loaded at run time from a folder that holds them.
+#ifndef KTBASE_BENCH_PEERS_H
+#define KTBASE_BENCH_PEERS_H
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+struct PeerDigest {
+    std::string name;
+    std::function<void(const unsigned char* data, std::size_t size, unsigned char* digest)> run;
+};
+
+struct PeerWork {
+    std::string name;
+    std::function<void()> run;
+};
+
+// A DSA domain, key, signature and digest in hexadecimal.
+struct DsaExample {
+    std::string p, q, g, y, r, s, digest;
+};
+
+// Every list is empty when `folder` is.
+class Peers {
+public:
+    explicit Peers(std::string folder) : folder_(std::move(folder)) {}
+
+    std::vector<PeerDigest> md5() const;
+    std::vector<PeerDigest> sha1() const;
+    std::vector<PeerWork> verification(const DsaExample& example) const;
+    // The Montgomery product of two numbers below the odd modulus, all in hexadecimal.
+    std::vector<PeerWork> product(const std::string& a, const std::string& b,
+                                  const std::string& modulus) const;
+
+private:
+    std::string folder_;
+};
+
+#endif
