@@ -21,7 +21,7 @@ needs() { # PACKAGE DEPENDENCY...: each is in its Depends
     done
 }
 if [ "$machine" = amd64 ]; then
-    needs "libktbase${version%%.*}" libc6-i386
+    needs "libktbase${version%%.*}" libc6-i386 lib32stdc++6
     needs libktbase-dev g++-multilib
 fi
 needs ktbase-tools libc6 libssl3
