@@ -21,8 +21,8 @@ CpuidResult cpuid(unsigned leaf) {
 bool system_keeps_avx_state() {
     constexpr unsigned kSseAndAvxState = 0x6;
     if ((cpuid(1).ecx & bit_OSXSAVE) == 0) return false;
-    unsigned eax;
-    unsigned edx;
+    unsigned eax = 0;
+    unsigned edx = 0;
     asm("xgetbv" : "=a"(eax), "=d"(edx) : "c"(0));
     return (eax & kSseAndAvxState) == kSseAndAvxState;
 }

@@ -7,8 +7,16 @@
 #include <csignal>
 #include <cstring>
 #include <memory>
+#include <tuple>
 
 namespace {
+
+// Taken before any test runs.
+const std::tuple kAtLoad(SYS_OPENFILES, SYS_MAXFILES, bFollowLinks, starttime, pCmdLine);
+
+TEST(Globals, have_their_values_when_the_library_is_loaded) {
+    EXPECT_EQ(kAtLoad, std::tuple(0, 64, 1, 0, nullptr));
+}
 
 TEST(Clock, converts_sleeps_and_stands_still_at_any_start_time_but_zero) {
     for (starttime = -1; starttime < 2; ++starttime) {
