@@ -24,7 +24,7 @@ std::vector<unsigned char> load(const char* path) {
     const int length = file == -1 ? -1 : KtGetFileLength(file);
     if (length == -1) fail(path, std::strerror(errno));
     std::vector<unsigned char> content(static_cast<unsigned>(length));
-    unsigned char more;
+    unsigned char more = 0;
     if (KtReadFile(file, content.data(), static_cast<unsigned>(length)) != length ||
         KtReadFile(file, &more, 1) != 0)
         fail(path, "not a file that can be read at once");

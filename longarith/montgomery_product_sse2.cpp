@@ -61,7 +61,7 @@ Lanes next_lane(Lanes x, Lanes before) {
 
 // Digit j starts in byte 13j/8, at bit 13j%8.
 int split_digit(const unsigned char* bytes, int j) {
-    std::uint32_t word;
+    std::uint32_t word = 0;
     std::memcpy(&word, bytes + 13 * j / 8, sizeof(word));
     return static_cast<int>(word >> 13 * j % 8 & 0x1FFF);
 }

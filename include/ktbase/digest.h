@@ -34,8 +34,8 @@ extern HASH_CTX Hash;
 void InitHash(HASH_CTX* ctx);
 
 // Absorbs `length` bytes of `buffer`, which may start at any address. The digest does not depend
-// on how a message is split among calls; a length of 0 touches neither record nor buffer. They do not
-// overlap.
+// on how a message is split among calls; a length of 0 touches neither record nor buffer. The two
+// do not overlap.
 void HashBuf(unsigned char* buffer, unsigned length, HASH_CTX* ctx);
 
 // Pads and compresses the last block or blocks. The digest is then state[0] to state[4]; the byte

@@ -40,8 +40,9 @@ extern std::int32_t SYS_MAXFILES;
 // Opens `path` with open(2) and counts the handle. With O_CREAT in `flags`, a missing file is
 // created with mode 0600 less the umask and the flags go to the system as they are; without it,
 // O_LARGEFILE is added. `extra` is ORed into the flags and carries no O_CREAT, and neither carries
-// O_TMPFILE: no mode would go along. The fourth argument is ignored (pass 0). Returns the descriptor, or -1 with the system's errno; -1 with errno
-// untouched and no system call when SYS_OPENFILES has reached SYS_MAXFILES.
+// O_TMPFILE: no mode would go along. The fourth argument is ignored (pass 0).
+// Returns the descriptor, or -1 with the system's errno; -1 with errno untouched and no system call
+// when SYS_OPENFILES has reached SYS_MAXFILES.
 KtFileHandle KtOpenFile(const char* path, int flags, int extra, int unused);
 
 // Reads up to `size` bytes at the descriptor's position into `buffer`.
