@@ -24,7 +24,7 @@ struct Size {
 };
 constexpr Size kSizes[] = {{"1 KiB", 1 << 10}, {"64 KiB", 1 << 16}, {"16 MiB", 1 << 24}};
 
-const DsaExample kExample = {
+constexpr DsaExample kExample = {
     "8df2a494492276aa3d25759bb06869cbeac0d83afb8d0cf7cbb8324f0d7882e5"
     "d0762fc5b7210eafc2e9adac32ab7aac49693dfbf83724c2ec0736ee31c80291",
     fips186::kQ,

@@ -155,10 +155,10 @@ std::vector<PeerWork> Peers::verification(const DsaExample& example) const {
                                                       nullptr);
     libcrypto.get<int(Any, Any, Any)>("DSA_SIG_set0")(signature, big_number(libcrypto, example.r),
                                                       big_number(libcrypto, example.s));
+    const std::string hex = example.digest;
     std::vector<unsigned char> digest;
-    for (std::size_t i = 0; i < example.digest.size(); i += 2)
-        digest.push_back(
-            static_cast<unsigned char>(std::stoul(example.digest.substr(i, 2), nullptr, 16)));
+    for (std::size_t i = 0; i < hex.size(); i += 2)
+        digest.push_back(static_cast<unsigned char>(std::stoul(hex.substr(i, 2), nullptr, 16)));
     const auto verify = libcrypto.get<int(const unsigned char*, int, Any, Any)>("DSA_do_verify");
     const auto run = [=] { return verify(digest.data(), 20, signature, dsa); };
     if (run() != 1) throw std::runtime_error("libcrypto refuses the signature");

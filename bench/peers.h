@@ -19,7 +19,7 @@ struct PeerWork {
 
 // A DSA domain, key, signature and digest in hexadecimal.
 struct DsaExample {
-    std::string p, q, g, y, r, s, digest;
+    const char *p, *q, *g, *y, *r, *s, *digest;
 };
 
 // Every list is empty when `folder` is.

@@ -1,6 +1,7 @@
 #include "timing.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <ctime>
 
@@ -33,7 +34,8 @@ long calls_in_slice(const Contestant& contestant) {
 
 double quantile(std::vector<double> values, double part) {
     std::sort(values.begin(), values.end());
-    return values[static_cast<std::size_t>(part * static_cast<double>(values.size() - 1) + 0.5)];
+    return values[static_cast<std::size_t>(
+        std::lround(part * static_cast<double>(values.size() - 1)))];
 }
 
 }  // namespace
@@ -41,6 +43,7 @@ double quantile(std::vector<double> values, double part) {
 void compare(const std::string& kernel, const std::vector<Contestant>& contestants) {
     const std::size_t count = contestants.size();
     std::vector<long> calls;
+    calls.reserve(count);
     for (const Contestant& contestant : contestants) calls.push_back(calls_in_slice(contestant));
     std::vector<std::vector<double>> times(count);
     for (std::size_t round = 0; round < kRounds; ++round) {

@@ -30,10 +30,10 @@ inline Bytes joined(const std::vector<std::string>& numbers) {
     return bytes;
 }
 
-const std::string kQ = "c773218c737ec8ee993b4f2ded30f48edace915f";
-const std::string kR = "8bac1ab66410435cb7181f95b16ab97c92b341c0";
-const std::string kS = "41e2345f1f56df2458f426d155b4ba2db6dcd8c8";
-const std::string kDigest = "a9993e364706816aba3e25717850c26c9cd0d89d";
+constexpr const char* kQ = "c773218c737ec8ee993b4f2ded30f48edace915f";
+constexpr const char* kR = "8bac1ab66410435cb7181f95b16ab97c92b341c0";
+constexpr const char* kS = "41e2345f1f56df2458f426d155b4ba2db6dcd8c8";
+constexpr const char* kDigest = "a9993e364706816aba3e25717850c26c9cd0d89d";
 
 // y^(2^(40j)) * 2^512 mod p for j = 0 to 3.
 inline Bytes key() {
