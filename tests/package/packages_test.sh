@@ -5,6 +5,7 @@
 set -eu
 source=$1 installed_test=$2 version=$3 host_cpp=$4
 work=$(mktemp -d) && trap 'rm -rf "$work"' EXIT
+export SOURCE_DATE_EPOCH=1000000000 # with or without a repository
 fail() { echo "FAILED: $*"; exit 1; }
 
 mapfile -t packages < <("$source/script/package" "$work/build")
