@@ -65,6 +65,7 @@ template <unsigned T>
     constexpr unsigned kWord = (kRound.stride * T + kRound.start) % kBlockWords;
     a += kSines[T];
     a += word_at(block + 4 * kWord);
+    asm("" : "+r"(a));  // added here, or the word may wait for it on the stack
     if constexpr (T < 16) {
         a += ((c ^ d) & b) ^ d;
     } else if constexpr (T < 32) {

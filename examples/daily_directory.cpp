@@ -68,5 +68,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "daily_directory: the commands are too long\n");
         return 1;
     }
-    return 0;
+    if (std::fflush(stdout) == 0) return 0;
+    std::perror("daily_directory: standard output");
+    return 1;
 }

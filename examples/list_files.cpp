@@ -5,6 +5,7 @@
 // Shows an enumeration run to its end, links and what they point to, and the per-entry errors.
 #include <dirent.h>
 #include <ktbase/platform.h>
+#include <ktbase/text.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -51,12 +52,30 @@ std::string name_text(Dirent* found) {
     return text;
 }
 
+bool directory_exists(const std::string& pattern) {
+    const std::size_t slash = pattern.rfind('/');
+    return slash == std::string::npos ||
+           KtIsDirectory(KtGetFileAttributes(pattern.substr(0, slash + 1).c_str())) != 0;
+}
+
+int fail(const char* what, const char* why) {
+    std::fprintf(stderr, "list_files: %s: %s\n", what, why);
+    return 1;
+}
+
+// A name may hold anything but a NUL and a slash; control characters stay off the terminal.
+std::string printable(std::string text) {
+    for (char& c : text)
+        if ((ks_char_map[static_cast<unsigned char>(c)] & CHAR_CTL) != 0) c = '?';
+    return text;
+}
+
 void print(const std::vector<Row>& rows) {
     std::size_t width = 0;
     for (const Row& row : rows) width = std::max(width, row.size.size());
     for (const Row& row : rows)
         std::printf("%c %*s %s\n", row.type, static_cast<int>(width), row.size.c_str(),
-                    row.name.c_str());
+                    printable(row.name).c_str());
 }
 
 }  // namespace
@@ -72,10 +91,10 @@ int main(int argc, char** argv) {
     Dirent* found = nullptr;
     const KtFindHandle find = KtFindFirst(pattern, &found);
     if (find == -1) {
-        const bool none = errno == 0 || errno == ENOENT;
-        std::fprintf(stderr, "list_files: %s: %s\n", pattern,
-                     none ? "nothing matches" : std::strerror(errno));
-        return 1;
+        // ENOENT may be the directory's or the mask's.
+        const int error = errno;
+        const bool none = error == 0 || (error == ENOENT && directory_exists(pattern));
+        return fail(pattern, none ? "nothing matches" : std::strerror(error));
     }
     std::vector<Row> rows;
     do {
@@ -86,7 +105,7 @@ int main(int argc, char** argv) {
     const int error = errno;
 
     print(rows);
-    if (error == 0) return 0;
-    std::fprintf(stderr, "list_files: %s: %s\n", pattern, std::strerror(error));
-    return 1;
+    if (error != 0) return fail(pattern, std::strerror(error));
+    if (std::fflush(stdout) != 0) return fail("standard output", std::strerror(errno));
+    return 0;
 }

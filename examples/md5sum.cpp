@@ -69,9 +69,11 @@ bool print_digest(const char* name) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 2) return print_digest("-") ? 0 : 1;
     int status = 0;
+    if (argc < 2 && !print_digest("-")) status = 1;
     for (int i = 1; i < argc; ++i)
         if (!print_digest(argv[i])) status = 1;
-    return status;
+    if (std::fflush(stdout) == 0) return status;
+    std::perror("md5sum: standard output");
+    return 1;
 }

@@ -115,7 +115,8 @@ Dirent::Dirent(const char* pattern) {
 
 Dirent::~Dirent() {
     if (oldLocale != nullptr) {
-        std::setlocale(LC_ALL, oldLocale);
+        // It takes memory for a locale other than "C"; what failed once may be had now.
+        if (std::setlocale(LC_ALL, oldLocale) == nullptr) std::setlocale(LC_ALL, oldLocale);
         std::free(oldLocale);
     }
     // Volatile, or the store into a dying object would be dropped.

@@ -23,6 +23,8 @@ expect "symbols are bound before the host runs" 1 "$(grep -c 'FLAGS_1.*NOW' <<< 
 expect "a segment made read-only after binding" 1 "$(grep -c GNU_RELRO <<< "$segments")"
 expect "text relocations" 0 "$(grep -c TEXTREL <<< "$dynamic")"
 expect "own exported data is not bound inside" 0 "$(grep -cw SYMBOLIC <<< "$dynamic")"
+expect "own functions that a host's could take the place of" 0 \
+    "$(readelf -rW "$library" | grep JUMP_SLOT | grep -c KTBASE_1)"
 expect "stack" "RW" "$(awk '/GNU_STACK/ { print $7 }' <<< "$segments")"
 expect "arrays on the stack are guarded" 1 "$(grep -c __stack_chk_fail <<< "$imports")"
 # Its checked form would abort the host for flags that the host passes.

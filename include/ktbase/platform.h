@@ -125,7 +125,8 @@ public:
     // memory runs out, `mask` or `dir` is null; such an object is only good for destruction.
     explicit Dirent(const char* pattern);
 
-    // Restores the locale and releases what the object owns.
+    // Restores the locale and releases what the object owns. Where the system cannot restore the
+    // locale, because memory has run out for good, it stays "C".
     ~Dirent();
 
     Dirent(const Dirent&) = delete;
@@ -209,8 +210,9 @@ int KtMakeDirectory(const char* path);
 // its own.
 //
 // The path is cut no further than its root: behind the server's name when it begins with two
-// backslashes, behind the first component when it begins with a drive ("X:\"). A path with one
-// leading backslash is cut back to the empty path, which is the current directory and exists.
+// backslashes, behind the first component when it begins with a drive ("X:\", with any character
+// for X). A path with one leading backslash is cut back to the empty path, which is the current
+// directory and exists.
 //
 // Returns 0 when the whole path is a directory, now or already. Returns -1 when the path is null or
 // empty or when the longest existing part of it is no directory (errno is not set for these), when
