@@ -1,4 +1,5 @@
 // The clock and the command line.
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <ktbase/platform.h>
 #include <sys/time.h>
@@ -8,6 +9,16 @@
 #include <cstring>
 #include <memory>
 #include <tuple>
+
+namespace {
+bool conversion_fails = false;
+}
+
+// Stands before the system's.
+extern "C" std::tm* localtime(const time_t* time) {
+    static const auto real = reinterpret_cast<decltype(&localtime)>(dlsym(RTLD_NEXT, "localtime"));
+    return conversion_fails ? nullptr : real(time);
+}
 
 namespace {
 
@@ -38,6 +49,10 @@ TEST(Clock, converts_sleeps_and_stands_still_at_any_start_time_but_zero) {
     EXPECT_EQ(date.tm_year * 10000 + date.tm_mon * 100 + date.tm_mday, 1250001);
     EXPECT_EQ(KtLocalDateToTime(nullptr), 0);
     EXPECT_EQ(KtTimeToLocalDate(0, nullptr), nullptr);
+    conversion_fails = true;
+    EXPECT_EQ(KtTimeToLocalDate(0, &date), nullptr);
+    conversion_fails = false;
+    EXPECT_EQ(date.tm_year, 125) << "left as it was";
 
     signal(SIGALRM, [](int) {});
     const itimerval alarm = {{2, 0}, {2, 0}};
