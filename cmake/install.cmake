@@ -23,10 +23,10 @@ install(TARGETS ktbase EXPORT ktbase-targets
   INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(DIRECTORY include/ktbase "${PROJECT_BINARY_DIR}/include/ktbase"
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development FILES_MATCHING PATTERN "*.h")
-install(FILES README.md CHANGELOG.md docs/guide.md
+install(FILES README.md CHANGELOG.md
   DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development)
-install(DIRECTORY examples DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
-  FILES_MATCHING PATTERN "*.cpp")
+install(DIRECTORY docs examples DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
+  FILES_MATCHING PATTERN "*.md" PATTERN "*.cpp" PATTERN reference EXCLUDE)
 
 # A cmake --install may choose another prefix, so the files of the package find it from themselves.
 install(EXPORT ktbase-targets NAMESPACE ktbase::
