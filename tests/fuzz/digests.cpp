@@ -1,55 +1,92 @@
-// Digests of messages in pieces against the digest of the whole, and the two forms of MD5's block
-// function against each other.
+// Digests of messages in pieces: SHA's record against a model that takes every byte and every round
+// by itself, MD5 against the digest of the whole.
 #include <ktbase/digest.h>
 
+#include <bit>
 #include <cstring>
 
 #include "fuzz.h"
 
 namespace {
 
-void check_transforms(const Bytes& block) {
-    std::uint32_t state[4];
-    std::memcpy(state, block.data() + 7, sizeof state);
-    std::uint32_t reversed[4];
-    std::reverse_copy(state, state + 4, reversed);
-    MD5Transform(state, block.data());
-    MD5Transform2(reversed, block.data());
-    std::reverse(reversed, reversed + 4);
-    require(std::equal(state, state + 4, reversed), "MD5Transform2");
-}
+// The record as FIPS 180 (1993) drives it, with the schedule in the sixteen words of the block.
+struct Model {
+    HASH_CTX r = {{0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476, 0xc3d2e1f0}, 0, 0, {}, 4};
+
+    void compress() {
+        std::uint32_t v[5];
+        std::memcpy(v, r.state, sizeof v);
+        for (int t = 0; t < 80; ++t) {
+            std::uint32_t& w = r.data[t & 15];
+            if (t > 15) w ^= r.data[(t - 3) & 15] ^ r.data[(t - 8) & 15] ^ r.data[(t - 14) & 15];
+            const std::uint32_t ch = (v[1] & v[2]) | (~v[1] & v[3]);
+            const std::uint32_t maj = (v[1] & v[2]) | (v[1] & v[3]) | (v[2] & v[3]);
+            const std::uint32_t par = v[1] ^ v[2] ^ v[3];
+            const std::uint32_t f[] = {ch, par, maj, par};
+            const std::uint32_t k[] = {0x5a827999, 0x6ed9eba1, 0x8f1bbcdc, 0xca62c1d6};
+            const std::uint32_t sum = std::rotl(v[0], 5) + f[t / 20] + v[4] + w + k[t / 20];
+            std::memmove(v + 1, v, 4 * sizeof v[0]);
+            v[0] = sum;
+            v[2] = std::rotl(v[2], 30);
+        }
+        for (int i = 0; i < 5; ++i) r.state[i] += v[i];
+    }
+    void take(const Bytes& bytes) {
+        r.count += bytes.size();
+        for (const unsigned char byte : bytes) {
+            r.data[r.index] = (r.data[r.index] << 8) + byte;
+            if (--r.left != 0) continue;
+            r.left = 4;
+            if (++r.index == 16) compress(), r.index = 0;
+        }
+    }
+    void end() {
+        const std::uint32_t w = r.data[r.index] << 8 | 0x80;
+        r.left -= 1;
+        r.data[r.index++] = w << 8 * r.left;
+        for (unsigned j = r.index; j < 16; ++j) r.data[j] = 0;
+        if (r.index > 14) compress(), std::memset(r.data, 0, sizeof r.data);
+        r.data[15] = r.count << 3;
+        compress();
+    }
+    bool operator==(const HASH_CTX& ctx) const { return std::memcmp(&r, &ctx, sizeof r) == 0; }
+};
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Input input(data, size);
     const Bytes cuts = input.bytes(input.byte() % 16);
-    Bytes message = input.rest();
+    const Bytes message = input.rest();
     HASH_CTX sha;
-    HASH_CTX whole_sha;
     MD5_CTX md5;
+    std::memset(&sha, 0xA5, sizeof sha);
     InitHash(&sha);
-    InitHash(&whole_sha);
     MD5Init(&md5);
+    Model model;
+    require(model == sha, "InitHash");
+    // Counts of all sizes, and such as wrap.
+    sha.count = model.r.count = 0x9E3779B9 * message.size();
     auto at = message.begin();
     for (std::size_t i = 0; i <= cuts.size(); ++i) {
         const auto left = message.end() - at;
         Bytes piece(at, at + (i < cuts.size() ? std::min<long>(cuts[i], left) : left));
         HashBuf(piece.data(), piece.size(), &sha);
+        model.take(piece);
+        require(model == sha, "HashBuf");
         MD5Update(&md5, piece.data(), piece.size());
         at += static_cast<long>(piece.size());
     }
-    HashBuf(message.data(), message.size(), &whole_sha);
-    require(std::memcmp(&sha, &whole_sha, sizeof sha) == 0, "SHA record before the end");
     EndHash(&sha);
-    EndHash(&whole_sha);
-    require(std::memcmp(&sha, &whole_sha, sizeof sha) == 0, "SHA record");
+    model.end();
+    require(model == sha, "EndHash");
 
     Bytes digest(16);
     Bytes whole(16);
+    GetBufferMD5(whole.data(), message.data(), message.size());
     MD5Final(digest.data(), &md5);
-    vantu::MD5(reinterpret_cast<const char*>(message.data()), message.size(), whole.data());
     require(digest == whole, "MD5");
-    if (message.size() >= 64) check_transforms(message);
+    const auto* const left = reinterpret_cast<unsigned char*>(&md5);
+    require(std::count(left, left + sizeof md5, 0) == sizeof md5, "the wipe of MD5's record");
     return 0;
 }

@@ -2,7 +2,6 @@
 // the system's.
 #include <ktbase/text.h>
 
-#include <cctype>
 #include <cstring>
 
 #include "fuzz.h"
@@ -12,11 +11,13 @@ namespace {
 int own(char c) {
     return static_cast<signed char>(c);
 }
+// The "C" locale's tolower leaves -1 as it is and answers 128 to 254 for the bytes before it.
 int lower(char c) {
-    return tolower(own(c));
+    const int code = static_cast<unsigned char>(c);
+    return code == 255 ? -1 : code >= 65 && code <= 90 ? code + 32 : code;
 }
 int ascii(char c) {
-    return c >= 'A' && c <= 'Z' ? c + 32 : own(c);
+    return static_cast<signed char>(lower(c));
 }
 
 // -1, 0 or 1 for two texts whose characters rank as `rank` tells.
@@ -26,92 +27,87 @@ int order(const std::string& a, const std::string& b, int (*rank)(char)) {
            std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), less);
 }
 
-void check_comparisons(const std::string& a, const std::string& b, unsigned n) {
-    const char* const c = b.c_str();
-    const std::string to_nul = c;
-    for (const bool whole : {true, false}) {
-        const std::string& second = whole ? b : to_nul;
-        const int exact = order(a, second, own);
-        const int folded = order(a, second, lower);
-        const int exact_n = order(a.substr(0, n), second.substr(0, n), own);
-        const int folded_n = order(a.substr(0, n), second.substr(0, n), lower);
-        require((whole ? KsStrcmp(a, b) : KsStrcmp(a, c)) == exact, "KsStrcmp");
-        require((whole ? KsStrcmp(b, a) : KsStrcmp(c, a)) == -exact, "KsStrcmp");
-        require((whole ? KsStrncmp(a, b, n) : KsStrncmp(a, c, n)) == exact_n, "KsStrncmp");
-        require((whole ? KsStrncmp(b, a, n) : KsStrncmp(c, a, n)) == -exact_n, "KsStrncmp");
-        require((whole ? KsStrcasecmp(a, b) : KsStrcasecmp(a, c)) == folded, "KsStrcasecmp");
-        require((whole ? KsStrcasecmp(b, a) : KsStrcasecmp(c, a)) == -folded, "KsStrcasecmp");
-        require((whole ? KsStrncasecmp(a, b, n) : KsStrncasecmp(a, c, n)) == folded_n, "n");
-        require((whole ? KsStrncasecmp(b, a, n) : KsStrncasecmp(c, a, n)) == -folded_n, "n");
-    }
+template <class A, class B>
+void check_comparisons(const A& a, const B& b, unsigned n) {
+    const std::string x[] = {a, std::string(a).substr(0, n)};
+    const std::string y[] = {b, std::string(b).substr(0, n)};
+    require(KsStrcmp(a, b) == order(x[0], y[0], own), "KsStrcmp");
+    require(KsStrcasecmp(a, b) == order(x[0], y[0], lower), "KsStrcasecmp");
+    require(KsStrncmp(a, b, n) == order(x[1], y[1], own), "KsStrncmp");
+    require(KsStrncasecmp(a, b, n) == order(x[1], y[1], lower), "KsStrncasecmp");
 }
 
 void check_copies(const std::string& source, unsigned n) {
-    std::string array(source.size() + 1, '#');
-    KsStrcpy(array.data(), source);
-    require(array == source + '\0', "KsStrcpy into an array");
-    array.assign(n, '#');
-    KsStrncpy(array.data(), source, n);
     std::string expected = source.substr(0, n);
-    expected.resize(n);
-    require(array == expected, "KsStrncpy into an array");
-    std::string text;
-    KsStrncpy(text, source, n);
-    require(text == source.substr(0, n), "KsStrncpy of a string");
-    KsStrncpy(text, source.c_str(), n);
-    require(text == std::string(source.c_str()).substr(0, n), "KsStrncpy of an array");
+    std::string text = source;
+    KsStrncpy(text, text, n);
+    require(text == expected, "KsStrncpy of a string");
+    text = source;
+    KsStrncpy(text, text.c_str() + source.size() / 2, n);
+    const std::string half = source.c_str() + source.size() / 2;
+    require(text == half.substr(0, n), "KsStrncpy of an array");
+    text = source;
+    KsStrcpy(text, text.c_str() + source.size() / 2);
+    require(text == half, "KsStrcpy of an array");
     char* const copy = KsStrdup(source);
     require(std::string(copy, source.size() + 1) == source + '\0', "KsStrdup");
     delete[] copy;
+    text.assign(source.size() + 2, '#');
+    KsStrcpy(text.data(), source);
+    require(text == source + '\0' + '#', "KsStrcpy into an array");
+    text.assign(n + 1, '#');
+    KsStrncpy(text.data(), source, n);
+    expected.resize(n);
+    require(text == expected + '#', "KsStrncpy into an array");
+}
 
-    text = expected = source;
+void check_edits(const std::string& source) {
+    std::string text;
+    std::string expected = source;
+    KsStrcpy(text, source);
     Trim(text);
-    const auto inside = [](char c) { return std::strchr(" \t\r\n", c) == nullptr || c == '\0'; };
-    expected.erase(std::find_if(expected.rbegin(), expected.rend(), inside).base(), expected.end());
-    expected.erase(expected.begin(), std::find_if(expected.begin(), expected.end(), inside));
+    const auto kept = [](char c) { return std::memchr(" \t\r\n", c, 4) == nullptr; };
+    expected.erase(std::find_if(expected.rbegin(), expected.rend(), kept).base(), expected.end());
+    expected.erase(expected.begin(), std::find_if(expected.begin(), expected.end(), kept));
     require(text == expected, "Trim");
     ConvertToLowerCase(text);
-    std::transform(expected.begin(), expected.end(), expected.begin(), lower);
+    for (char& c : expected) c = static_cast<char>(lower(c));
     require(text == expected, "ConvertToLowerCase");
 }
 
 void check_memory(const std::string& s, const std::string& t, int wanted) {
     const std::size_t n = s.size();
     const auto pair = std::mismatch(s.begin(), s.end(), t.begin());
-    const auto byte = [](char c) { return static_cast<unsigned char>(c); };
-    require(e_memcmp(s.data(), t.data(), n) ==
-                (pair.first == s.end() ? 0 : byte(*pair.first) - byte(*pair.second)),
-            "e_memcmp");
+    const int difference = pair.first == s.end() ? 0 : (*pair.first & 0xFF) - (*pair.second & 0xFF);
+    require(e_memcmp(s.data(), t.data(), n) == difference, "e_memcmp");
     require(e_memicmp(s.data(), t.data(), n) == order(s, t, ascii), "e_memicmp");
 
+    const char* const text = s.c_str();
     const bool none = wanted > 127;
-    const std::string terminated = s.c_str();
-    const auto first = none ? s.npos : s.find(static_cast<char>(wanted));
-    const auto last = none ? s.npos : terminated.rfind(static_cast<char>(wanted));
-    require(e_memchr(s.data(), wanted, n) == (first == s.npos ? nullptr : &s[first]), "e_memchr");
-    require(e_strrchr(terminated.c_str(), wanted) == (last == s.npos ? nullptr : &terminated[last]),
-            "e_strrchr");
-    require(e_strlen(terminated.c_str()) == terminated.size(), "e_strlen");
+    require(e_memchr(text, wanted, n) == (none ? nullptr : std::memchr(text, wanted, n)),
+            "e_memchr");
+    // The search ends before the NUL.
+    const char* const last = none || wanted == 0 ? nullptr : std::strrchr(text, wanted);
+    require(e_strrchr(text, wanted) == last, "e_strrchr");
+    require(e_strlen(text) == std::strlen(text), "e_strlen");
 
-    for (const auto copy : {&e_memcpy, &q_memcpy, &e_memmove}) {
-        std::string to(n, '#');
-        require(copy(to.data(), s.data(), n) == to.data() && to == s, "copy");
-    }
     const std::size_t shift = n == 0 ? 0 : static_cast<unsigned>(wanted) % 8 % n;
-    const std::string up = s.substr(0, shift) + s.substr(0, n - shift);
+    const std::size_t rest = n - shift;
     std::string moved = s;
-    e_memmove(moved.data() + shift, moved.data(), n - shift);
-    require(moved == up, "e_memmove up");
-    const std::string down = s.substr(shift) + s.substr(n - shift);
+    require(e_memmove(&moved[shift], &moved[0], rest) == &moved[shift], "e_memmove's result");
+    require(moved == s.substr(0, shift) + s.substr(0, rest), "e_memmove up");
+    const auto move = [](void* to, const void* from, unsigned count) {
+        return t_memmove(to, from, count), to;
+    };
+    for (const auto copy : {&e_memcpy, &q_memcpy, &e_memmove, +move}) {
+        moved = s;
+        require(copy(&moved[0], &moved[shift], rest) == &moved[0], "the result of a copy");
+        require(moved == s.substr(shift) + s.substr(rest), "a copy down");
+    }
     moved = s;
-    e_memmove(moved.data(), moved.data() + shift, n - shift);
-    require(moved == down, "e_memmove down");
-    moved = s;
-    t_memmove(moved.data(), moved.data() + shift, n - shift);
-    require(moved == down, "t_memmove");
-    Bytes filled(n, 1);
-    e_memset(filled.data(), wanted, n);
-    require(filled == Bytes(n, static_cast<unsigned char>(wanted)), "e_memset");
+    require(e_memset(&moved[0], wanted, rest) == &moved[0], "e_memset's result");
+    const std::string fill(rest, static_cast<char>(wanted));
+    require(moved == fill + s.substr(rest), "e_memset");
 }
 
 }  // namespace
@@ -119,14 +115,18 @@ void check_memory(const std::string& s, const std::string& t, int wanted) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Input input(data, size);
     const unsigned n = input.byte() % 24;
-    const int wanted = static_cast<int>(input.byte()) - 100;
-    const unsigned common = input.byte() % 16;
+    const unsigned wanted = input.byte();
+    const unsigned common = input.byte();
     const std::string s = input.chars(input.byte() % 48);
-    std::string t = s.substr(0, common) + input.chars(80);
+    std::string t = s.substr(0, common % 16) + input.chars(80);
     check_comparisons(s, t, n);
+    check_comparisons(s, t.c_str(), n);
+    check_comparisons(t.c_str(), s, n);
     check_copies(s, n);
-    check_copies(t, n);
+    check_edits(s);
     t.resize(s.size());
-    check_memory(s, t, wanted);
+    // Half of the searches are for the byte as a signed one, which alone can be found above 127.
+    check_memory(s, t,
+                 static_cast<int>(common < 128 ? wanted : wanted ^ 128) - (common < 128 ? 0 : 128));
     return 0;
 }
