@@ -46,7 +46,7 @@ TEST(Sha, the_exported_record_is_zero_at_load_and_bad_records_write_nothing_outs
     const HASH_CTX zero = {};
     EXPECT_EQ(std::memcmp(&Hash, &zero, sizeof zero), 0);
     Bytes bytes(1000, 1);
-    for (const std::uint32_t fill : {0U, 16U, 0xFFFFFFFFU}) {
+    for (const std::uint32_t fill : {0U, 16U, 17U, 0xFFFFFFFFU}) {
         Words words(26, fill);
         auto* const ctx = reinterpret_cast<HASH_CTX*>(&words[1]);
         for (int round = 0; round < 2; ++round) {
