@@ -272,6 +272,25 @@ TEST_F(Paths, that_are_being_enumerated_count_and_hold_the_locale_until_the_end)
     expect_all_released();
 }
 
+TEST_F(Paths, are_never_followed_where_a_pointer_is_null) {
+    write("a");
+    Dirent* found = nullptr;
+    const KtFindHandle find = KtFindFirst("a", &found);
+    SYS_OPENFILES = 0;  // the host's doing: the end must not take it below
+    EXPECT_EQ(KtFindNext(find, nullptr), -1);
+    EXPECT_EQ(KtFindNext(find, found), -1);
+    EXPECT_EQ(SYS_OPENFILES, 0);
+    EXPECT_EQ(KtFindNext(0, nullptr), -1);
+    EXPECT_EQ(KtFindGetFileName(nullptr), nullptr);
+    EXPECT_EQ(KtFindGetFileAttributes(nullptr), -1);
+    EXPECT_EQ(KtFindGetFileSize(nullptr), -1);
+    EXPECT_EQ(KtGetFileAttributes(nullptr), -1);
+    EXPECT_EQ(errno, EFAULT);
+    Dirent made_by_hand("a");
+    EXPECT_EQ(KtFindGetFileName(&made_by_hand), nullptr);
+    EXPECT_EQ(made_by_hand.getLastName(), nullptr);
+}
+
 // What a clean run becomes by the fault in `calls`.
 Lines after_fault(Lines run) {
     const std::string& call = calls.failing;
