@@ -4,7 +4,7 @@
 
 #include <ktbase/longarith.h>
 
-#include <algorithm>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -21,41 +21,29 @@ inline Bytes little_endian(const std::string& hex) {
     return bytes;
 }
 
-inline Bytes joined(const std::vector<std::string>& numbers) {
-    Bytes bytes;
-    for (const std::string& hex : numbers) {
-        const Bytes number = little_endian(hex);
-        bytes.insert(bytes.end(), number.begin(), number.end());
-    }
-    return bytes;
-}
-
 constexpr const char* kQ = "c773218c737ec8ee993b4f2ded30f48edace915f";
 constexpr const char* kR = "8bac1ab66410435cb7181f95b16ab97c92b341c0";
 constexpr const char* kS = "41e2345f1f56df2458f426d155b4ba2db6dcd8c8";
 constexpr const char* kDigest = "a9993e364706816aba3e25717850c26c9cd0d89d";
 
-// y^(2^(40j)) * 2^512 mod p for j = 0 to 3.
+// y^(2^(40j)) * 2^512 mod p for j = 3 to 0, which is the order of a number's digits.
 inline Bytes key() {
-    return joined(
-        {"42be8cbad780456768b71a8334f6ed0f5080daa40505b7d590bab5782118449a"
-         "d8daa8dc3ad2b83040b6b1f1f3e73623cca50a58bb183b39350e543ffa6a793c",
-         "16c28c8c747c11e5af4370293bd2e7a1c0dee4f509d6eced23714ef32346ed0e"
-         "4f8b0b99e95853f46524e67a4dc7c6e2131ca0fe31fa8869ed2fe943e94276e3",
-         "7c3c4f62d0382bb12bdee62e6acfb56d627eb31f2fe17f691562a6c9e776a2f8"
-         "5d9f7b441e587839d3b82ee0e4c6b428d82816debfb7d6ffa742d1092baadb93",
-         "03233f6965dfb9b39362a0e2f6f43d15993a5441d0be27201ba6562022434c5e"
-         "156f96955fa7f61e11b8d16a11ab442db0d35670e7353217d55e1d1c48037cf3"});
+    return little_endian(
+        "03233f6965dfb9b39362a0e2f6f43d15993a5441d0be27201ba6562022434c5e"
+        "156f96955fa7f61e11b8d16a11ab442db0d35670e7353217d55e1d1c48037cf3"
+        "7c3c4f62d0382bb12bdee62e6acfb56d627eb31f2fe17f691562a6c9e776a2f8"
+        "5d9f7b441e587839d3b82ee0e4c6b428d82816debfb7d6ffa742d1092baadb93"
+        "16c28c8c747c11e5af4370293bd2e7a1c0dee4f509d6eced23714ef32346ed0e"
+        "4f8b0b99e95853f46524e67a4dc7c6e2131ca0fe31fa8869ed2fe943e94276e3"
+        "42be8cbad780456768b71a8334f6ed0f5080daa40505b7d590bab5782118449a"
+        "d8daa8dc3ad2b83040b6b1f1f3e73623cca50a58bb183b39350e543ffa6a793c");
 }
-
 inline Bytes signature() {
-    return joined({kR, kS});
+    return little_endian(std::string(kS) + kR);
 }
-
 inline HASH_CTX digest(const Bytes& integer) {
     HASH_CTX ctx = {};
-    for (std::size_t i = 0; i < 20; ++i)
-        ctx.state[i / 4] |= std::uint32_t{integer[i]} << (8 * (i % 4));
+    std::memcpy(ctx.state, integer.data(), sizeof ctx.state);
     return ctx;
 }
 

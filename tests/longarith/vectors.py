@@ -2,11 +2,11 @@
 """Writes operands and results of the long arithmetic, computed with Python's integers, a case a line:
   product N A B M MONT RESULT          all of N limbs
   reduction NA NM K A M MONT RESULT    A and RESULT of the larger of NA and NM limbs
-  power E1 E2 TABLE RESULT             TABLE of 8; RESULT = g^E1 * y^E2 * 2^512 mod p, fully reduced
+  power E1 E2 TABLE RESULT OTHER       g^E1 * y^E2 * 2^512 mod p, with p added where OTHER holds it
   inverse X RESULT
-  signature KEY DIGEST R S             a valid one; KEY of 4; numbers as the blobs have them
+  signature KEY SIGNATURE DIGEST CODE  the blobs start in the second byte, so at odd addresses
   domain Q
-Numbers are in big-endian hexadecimal of their full width, counts in decimal.
+Each is a big-endian hexadecimal number of whole limbs, tables and blobs too.
 usage: vectors.py DOMAIN_FILE
 """
 import random
@@ -48,14 +48,11 @@ def reduced(a, m, k):
     return (a + -a * inverse(m, r) % r * m) // r
 
 
-def product(n):
-    a, b, m = operand(16 * n), operand(16 * n), operand(16 * n) | 1
-    if rng.randrange(4) == 0:
-        b = a
+def product(n, a, b, m):
     result = reduced(a * b, m, n)
     if result >> 16 * n:
         result -= m
-    print("product", n, hexadecimal(n, a, b, m), hexadecimal(1, montgomery_constant(m)),
+    print("product", hexadecimal(1, n), hexadecimal(n, a, b, m), hexadecimal(1, montgomery_constant(m)),
           hexadecimal(n, result))
 
 
@@ -64,7 +61,7 @@ def reduction():
     nm, k = rng.choice([na, rng.randint(1, 34)]), rng.choice([na, rng.randint(0, 40)])
     n = max(na, nm)
     a, m = operand(16 * n), operand(16 * nm) | 1
-    print("reduction", na, nm, k, hexadecimal(n, a), hexadecimal(nm, m),
+    print("reduction", hexadecimal(1, na, nm, k), hexadecimal(n, a), hexadecimal(nm, m),
           hexadecimal(1, montgomery_constant(m)), hexadecimal(n, reduced(a, m, k)))
 
 
@@ -74,41 +71,75 @@ def form(a):
     return x + p if x + p < R and rng.randrange(2) else x
 
 
+def joined(bits, numbers):
+    return sum(x << bits * i for i, x in enumerate(numbers))
+
+
 def power():
     e1, e2 = (rng.choice([operand(160), 1 << rng.randrange(160)]) for _ in range(2))
     y = operand(512) % p  # of any order
     table = [form(pow(y, (2 * k + 1) << 40 * j, p)) for j in range(4) for k in range(2)]
-    print("power", hexadecimal(10, e1, e2), hexadecimal(32, *table),
-          hexadecimal(32, pow(g, e1, p) * pow(y, e2, p) * R % p))
+    result = pow(g, e1, p) * pow(y, e2, p) * R % p
+    other = result + p if result + p < R else result
+    print("power", hexadecimal(10, e1, e2), hexadecimal(256, joined(512, table)),
+          hexadecimal(32, result, other))
+
+
+def single_window(entry):
+    """The power is the table's entry, any number of 512 bits."""
+    table = [R - 1 - i for i in range(8)]
+    e2 = (1, 3)[entry % 2] << 40 * (entry // 2)
+    print("power", hexadecimal(10, 0, e2), hexadecimal(256, joined(512, table)),
+          hexadecimal(32, table[entry], table[entry]))
 
 
 def inversion(x):
     print("inverse", hexadecimal(10, x, 0 if x % q == 0 else inverse(x, q)))
 
 
+def judged(key, r, s, digest, code):
+    """A number out of range decides the code, and that of r comes first."""
+    for x in (s, r):
+        code = 0x7707 if x >= q else 0x707 if x == 0 else code
+    print("signature", hexadecimal(129, key << 8), hexadecimal(21, joined(160, [r, s]) << 8),
+          hexadecimal(10, digest), hexadecimal(1, code))
+
+
 def signature(digest):
-    """FIPS 186, section 5, over any digest integer of 160 bits."""
+    """FIPS 186, section 5, over any digest integer of 160 bits; then with another digest."""
     r = s = 0
     while r == 0 or s == 0:
         x, k = (operand(160) % (q - 1) + 1 for _ in range(2))
         r = pow(g, k, p) % q
         s = inverse(k, q) * (digest + x * r) % q
-    key = [form(pow(g, x << 40 * j, p)) for j in range(4)]
-    print("signature", hexadecimal(32, *key), hexadecimal(10, digest, r, s))
+    key = joined(512, [form(pow(g, x << 40 * j, p)) for j in range(4)])
+    judged(key, r, s, digest, 0)
+    judged(key, r, s, digest ^ 1 << rng.randrange(160), 0xF0F)
+    return key, r, s
 
 
 print("domain", hexadecimal(10, q))
+product(1, 3135, 3135, 65521)  # 65526: almost reduced
 for limbs in range(1, 33):
     for _ in range(60):
-        product(limbs)
+        first, second = operand(16 * limbs), operand(16 * limbs)
+        product(limbs, first, rng.choice([first, second, second]), operand(16 * limbs) | 1)
 for _ in range(1500):
     reduction()
 for _ in range(150):
     power()
-for x in [0, 1, 2, q - 1, q, q + 1, (1 << 160) - 1, *(1 << i for i in range(160))]:
-    inversion(x)
+for number in range(8):
+    single_window(number)
+for number in [0, 1, 2, q - 1, q, q + 1, (1 << 160) - 1, *(1 << i for i in range(160))]:
+    inversion(number)
+for shift in range(160):  # the division of numbers with equal heads
+    inversion(q - rng.getrandbits(shift))
+    inversion((q >> shift) + rng.randrange(2))
 for _ in range(3000):
     inversion(operand(rng.randint(1, 160)))
 # A digest of 0 makes the exponent of g zero; one of q or more is used as it is.
-for digest in [0, 1, q - 1, q, q + 1, (1 << 160) - 1, *(operand(160) for _ in range(60))]:
-    signature(digest)
+for message in [0, 1, q - 1, q, q + 1, (1 << 160) - 1, *(operand(160) for _ in range(60))]:
+    public_key, valid_r, valid_s = signature(message)
+for wrong_r in [valid_r, 0, 1, q - 1, q, q + 1, (1 << 160) - 1]:
+    for wrong_s in [0, 1, q - 1, q, q + 1, (1 << 160) - 1]:
+        judged(public_key, wrong_r, wrong_s, message, 0xF0F)
