@@ -138,7 +138,7 @@ for shift in range(160):  # the division of numbers with equal heads
 for _ in range(3000):
     inversion(operand(rng.randint(1, 160)))
 # A digest of 0 makes the exponent of g zero; one of q or more is used as it is.
-for message in [0, 1, q - 1, q, q + 1, (1 << 160) - 1, *(operand(160) for _ in range(60))]:
+for message in [0, 1, q - 1, q, q + 1, (1 << 160) - 1, *(operand(160) for _ in range(300))]:
     public_key, valid_r, valid_s = signature(message)
 for wrong_r in [valid_r, 0, 1, q - 1, q, q + 1, (1 << 160) - 1]:
     for wrong_s in [0, 1, q - 1, q, q + 1, (1 << 160) - 1]:
