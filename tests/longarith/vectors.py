@@ -75,8 +75,7 @@ def joined(bits, numbers):
     return sum(x << bits * i for i, x in enumerate(numbers))
 
 
-def power():
-    e1, e2 = (rng.choice([operand(160), 1 << rng.randrange(160)]) for _ in range(2))
+def power(e1, e2):
     y = operand(512) % p  # of any order
     table = [form(pow(y, (2 * k + 1) << 40 * j, p)) for j in range(4) for k in range(2)]
     result = pow(g, e1, p) * pow(y, e2, p) * R % p
@@ -126,8 +125,9 @@ for limbs in range(1, 33):
         product(limbs, first, rng.choice([first, second, second]), operand(16 * limbs) | 1)
 for _ in range(1500):
     reduction()
+power(0, 0)
 for _ in range(150):
-    power()
+    power(*(rng.choice([operand(160), 1 << rng.randrange(160)]) for _ in range(2)))
 for number in range(8):
     single_window(number)
 for number in [0, 1, 2, q - 1, q, q + 1, (1 << 160) - 1, *(1 << i for i in range(160))]:
