@@ -2,6 +2,8 @@
 #include <ktbase/platform.h>
 #include <sys/stat.h>
 
+#include <cerrno>
+
 unsigned char bFollowLinks = 1;
 
 namespace {
@@ -9,8 +11,12 @@ constexpr KtFileAttributes kUnknown = -1;
 }  // namespace
 
 KtFileAttributes KtGetFileAttributes(const char* path) {
-    // A null path is the system's to refuse.
-    if (path != nullptr && *path == '\0') path = ".";
+    // The system would refuse it so, but its declaration lets the compiler take it for impossible.
+    if (path == nullptr) {
+        errno = EFAULT;
+        return kUnknown;
+    }
+    if (*path == '\0') path = ".";
     struct stat64 status;
     if (lstat64(path, &status) == -1) return kUnknown;
     if (S_ISLNK(status.st_mode) && bFollowLinks != 0 && stat64(path, &status) == -1)
