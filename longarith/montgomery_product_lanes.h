@@ -135,8 +135,8 @@ public:
             const std::uint32_t pair = (t[c] + (t[c + 1] << 13) + carry_) * inverse_;
             const std::uint32_t v0 = pair & kDigitMask;
             const std::uint32_t v1 = pair >> 13 & kDigitMask;
-            const std::uint32_t carry = (t[c] + carry_ + m_[0] * v0) >> 13;
-            carry_ = (t[c + 1] + m_[1] * v0 + m_[0] * v1 + carry) >> 13;
+            const std::uint32_t low_carry = (t[c] + carry_ + m_[0] * v0) >> 13;
+            carry_ = (t[c + 1] + m_[1] * v0 + m_[0] * v1 + low_carry) >> 13;
             pairs[c / 2] = v0 | v1 << 16;
 #pragma GCC unroll 8
             for (int j = c + 2; j < kBlockDigits; ++j) t[j] += m_[j - c] * v0 + m_[j - c - 1] * v1;
