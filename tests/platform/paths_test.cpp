@@ -331,7 +331,9 @@ TEST_F(Paths, are_enumerated_through_every_fault) {
                 }
                 EXPECT_EQ(run, expected);
                 calls = {};
-                if (call == "setlocale" && use == 3) setlocale(LC_ALL, locale.c_str());
+                // Restored at the second try, but not without end.
+                if (call == "setlocale" && use == 3 && ever_after)
+                    setlocale(LC_ALL, locale.c_str());
                 expect_all_released();
             }
     calls = {"new[]", 3, false, ENOMEM};
