@@ -27,6 +27,9 @@ bool system_keeps_avx_state() {
     return (eax & kSseAndAvxState) == kSseAndAvxState;
 }
 
+// Relaxed: threads that race to the first choice make the same one.
+constinit std::atomic<MontgomeryProduct*> chosen = nullptr;
+
 MontgomeryProduct* fastest_form() {
     if (cpu_has_avx2()) return montgomery_product_avx2;
     if (cpu_has_sse2()) return montgomery_product_sse2;
@@ -44,12 +47,14 @@ bool cpu_has_avx2() {
 }
 
 MontgomeryProduct* montgomery_product() {
-    // Threads that come here at once store the same value.
-    static constinit std::atomic<MontgomeryProduct*> chosen{nullptr};
     MontgomeryProduct* form = chosen.load(std::memory_order_relaxed);
     if (form == nullptr) {
         form = fastest_form();
         chosen.store(form, std::memory_order_relaxed);
     }
     return form;
+}
+
+void use_montgomery_product(MontgomeryProduct* form) {
+    chosen.store(form, std::memory_order_relaxed);
 }

@@ -22,6 +22,9 @@ bool cpu_has_avx2();
 // The fastest form that the CPU has, chosen at the first call.
 MontgomeryProduct* montgomery_product();
 
+// Makes montgomery_product answer `form`, for tests; null returns to the CPU's own.
+void use_montgomery_product(MontgomeryProduct* form);
+
 // Subtracts n limbs of b from a and returns the borrow, 0 or 1.
 std::uint32_t subtract_limbs(std::uint16_t* a, const std::uint16_t* b, int n);
 

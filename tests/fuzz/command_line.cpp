@@ -2,8 +2,7 @@
 // strings.
 #include <ktbase/platform.h>
 
-#include <cstring>
-#include <memory>
+#include <new>
 
 #include "fuzz.h"
 
@@ -46,17 +45,20 @@ std::string full_path(const std::string& path, const std::string& name) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Input input(data, size);
-    const unsigned repeats = input.byte() == 'R' ? 400 : 1;  // paths beyond 4,096 characters
+    const unsigned mode = input.byte();
     std::string program;
     const std::string part = input.text();
-    for (unsigned i = 0; i < repeats; ++i) program += part;
+    for (int i = 0; i < (mode == 'R' ? 400 : 1); ++i) program += part;  // beyond 4,096 characters
     const std::string name = input.text();
-    const std::string text = input.text().substr(0, 4097);
+    std::string text = input.text().substr(0, 4097);
 
     char* table[] = {program.data(), nullptr};
-    const auto line = std::make_unique<KtCmdLine>(1, table);
-    const std::string path = backslashed(program).substr(0, 4096);
-    require(pCmdLine == line.get() && path == line->text + 1, "path text");
+    Bytes memory(sizeof(KtCmdLine), '#');
+    auto* const line = new (memory.data()) KtCmdLine(mode == 'N' ? 0 : 1, table);
+    const std::string path = mode == 'N' ? "" : backslashed(program).substr(0, 4096);
+    std::string whole = '\0' + path;
+    whole.resize(sizeof line->text);
+    require(pCmdLine == line && whole == std::string(line->text, whole.size()), "path text");
     std::string out(full_path(path, name).size() + path.size() + 1, '#');
     require(line->MakeFullPath(name.c_str(), out.data()) == out.data(), "MakeFullPath's result");
     require(out.c_str() == full_path(path, name), "MakeFullPath");
@@ -64,11 +66,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto expected = words(text);
     std::vector<char*> argv(expected.size() + 1);
     line->argv = argv.data();
-    std::strcpy(line->text, text.c_str());
+    text += '\0';
+    text.copy(line->text, text.size());
     require(line->ParseCmdLine() == 0, "ParseCmdLine's result");
     require(line->argc == static_cast<int>(argv.size()) && argv[0] == line->text + 1, "argc");
     require(std::equal(expected.begin(), expected.end(), argv.begin() + 1,
                        [](const std::string& a, const char* b) { return a == b; }),
             "words");
+    require(whole.substr(text.size()) == std::string(line->text, whole.size()).substr(text.size()),
+            "what stands behind the text");
     return 0;
 }

@@ -6,18 +6,22 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <clocale>
+#include <filesystem>
 #include <fstream>
+#include <tuple>
 
 #include "fuzz.h"
-#include "scratch.h"
 
 namespace {
 
-using Entries = std::vector<std::string>;  // one line each
+namespace fs = std::filesystem;
+// Name, full name, attributes and size.
+using Entries = std::vector<std::tuple<std::string, std::string, std::int32_t, std::int32_t>>;
 
-std::string line(const std::string& name, const std::string& full, std::int32_t attributes,
-                 std::int32_t size) {
-    return name + '\0' + full + '\0' + std::to_string(attributes) + ' ' + std::to_string(size);
+std::string without_slashes(std::string name) {
+    std::replace(name.begin(), name.end(), '/', '|');
+    return name;
 }
 
 // Files of some bytes, directories, links to the name made before and links to nothing.
@@ -25,14 +29,12 @@ void make_entries(Input& input, const std::string& directory) {
     std::string before = "nothing";
     for (int i = 0; i < 6 && !input.empty(); ++i) {
         const unsigned kind = input.byte();
-        std::string name = input.text().substr(0, 255);
-        std::replace(name.begin(), name.end(), '/', '|');
+        const std::string name = without_slashes(input.text().substr(0, 255));
         const std::string path = directory + '/' + name;
-        int made = -1;
-        if (kind % 4 == 0) made = mkdir(path.c_str(), 0700);
-        if (kind % 4 == 1) made = symlink(before.c_str(), path.c_str());
         if (kind % 4 >= 2) std::ofstream(path) << std::string(kind, 'x');
-        if (made == 0) before = name;
+        if (kind % 4 == 0 ? mkdir(path.c_str(), 0700) == 0
+                          : kind % 4 == 1 && symlink(before.c_str(), path.c_str()) == 0)
+            before = name;
     }
 }
 
@@ -43,13 +45,12 @@ Entries expected_entries(const std::string& directory, const std::string& mask) 
         const std::string name = entry->d_name;
         if (fnmatch(mask.c_str(), name.c_str(), FNM_NOESCAPE) != 0) continue;
         if (found.empty() && (name == "." || name == "..")) continue;
-        struct stat64 status;
         const std::string path = directory + '/' + name;
-        if ((bFollowLinks != 0 ? stat64 : lstat64)(path.c_str(), &status) != 0)
-            lstat64(path.c_str(), &status);
-        const auto mode = static_cast<std::int32_t>(status.st_mode);
-        if (bFollowLinks == 0 && stat64(path.c_str(), &status) != 0) lstat64(path.c_str(), &status);
-        found.push_back(line(name, path, mode, static_cast<std::int32_t>(status.st_size)));
+        struct stat64 own;
+        struct stat64 target;
+        lstat64(path.c_str(), &own);
+        if (stat64(path.c_str(), &target) != 0) target = own;
+        found.emplace_back(name, path, (bFollowLinks != 0 ? target : own).st_mode, target.st_size);
     }
     closedir(stream);
     return found;
@@ -65,8 +66,8 @@ Entries enumerated(const std::string& pattern) {
     }
     require(SYS_OPENFILES == 1, "the stream is counted");
     do {
-        found.push_back(line(KtFindGetFileName(entry), entry->getLastName(),
-                             KtFindGetFileAttributes(entry), KtFindGetFileSize(entry)));
+        found.emplace_back(KtFindGetFileName(entry), entry->getLastName(),
+                           KtFindGetFileAttributes(entry), KtFindGetFileSize(entry));
     } while (KtFindNext(find, entry) == 0);
     return found;
 }
@@ -74,15 +75,19 @@ Entries enumerated(const std::string& pattern) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const Scratch kScratch;
+    const std::string directory =
+        fs::temp_directory_path() / ("ktbase_fuzz_" + std::to_string(getpid()));
     Input input(data, size);
     bFollowLinks = static_cast<unsigned char>(input.byte() % 2);
-    std::string mask = input.text();
-    std::replace(mask.begin(), mask.end(), '/', '|');
-    const std::string directory = kScratch.path();
+    const std::string mask = without_slashes(input.text());
+    fs::create_directory(directory);
     make_entries(input, directory);
-    require(enumerated(directory + '/' + mask) == expected_entries(directory, mask), "entries");
+    const Entries expected = expected_entries(directory, mask);
+    setlocale(LC_ALL, "C.UTF-8");  // where a character may be several bytes
+    const Entries found = enumerated(directory + '/' + mask);
+    require(std::string(setlocale(LC_ALL, "C")) == "C", "the locale");
+    fs::remove_all(directory);
+    require(found == expected, "entries");
     require(SYS_OPENFILES == 0, "the count falls back");
-    kScratch.clear();
     return 0;
 }

@@ -1,40 +1,50 @@
-// Runs a fuzzer without libFuzzer: on the inputs in directories (the seeds and what ever found a
-// fault), and on each of them with some bytes drawn anew.
+// Runs a fuzzer without libFuzzer, on the inputs in directories (the seeds and what ever found a
+// fault) and on variants of each. With several threads each has variants of its own, and the model
+// tells what one of them does to another.
+// usage: replay_FUZZER THREADS VARIANTS DIRECTORY...
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <thread>
 
 #include "fuzz.h"
 
 namespace {
 
-constexpr int kVariants = 40;  // of each input
-
 Bytes variant(Bytes input, std::mt19937& random) {
-    for (unsigned more = random() % 64; more != 0; --more) input.push_back(0);
-    for (std::size_t changes = 1 + random() % (input.size() + 1); changes != 0; --changes)
-        if (!input.empty()) input[random() % input.size()] = static_cast<unsigned char>(random());
+    input.resize(random() % (2 * input.size() + 64));
+    if (input.empty()) return input;
+    for (std::size_t changes = random() % (input.size() + 1); changes != 0; --changes)
+        input[random() % input.size()] = static_cast<unsigned char>(random());
     return input;
+}
+
+void replay(const std::vector<Bytes>& inputs, int variants, unsigned seed) {
+    std::mt19937 random(seed);
+    for (const Bytes& input : inputs) {
+        LLVMFuzzerTestOneInput(input.data(), input.size());
+        for (int i = 0; i < variants; ++i) {
+            const Bytes changed = variant(input, random);
+            LLVMFuzzerTestOneInput(changed.data(), changed.size());
+        }
+    }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    int inputs = 0;
-    for (int i = 1; i < argc; ++i)
+    std::vector<Bytes> inputs;
+    for (int i = 3; i < argc; ++i)
         for (const auto& file : std::filesystem::directory_iterator(argv[i])) {
             std::ifstream stream(file.path(), std::ios::binary);
-            const Bytes input{std::istreambuf_iterator<char>(stream), {}};
-            std::printf("%s\n", file.path().c_str());
-            std::fflush(stdout);
-            LLVMFuzzerTestOneInput(input.data(), input.size());
-            std::mt19937 random(static_cast<unsigned>(input.size()));
-            for (int k = 0; k < kVariants; ++k) {
-                const Bytes changed = variant(input, random);
-                LLVMFuzzerTestOneInput(changed.data(), changed.size());
-            }
-            ++inputs;
+            inputs.emplace_back(std::istreambuf_iterator<char>(stream),
+                                std::istreambuf_iterator<char>());
         }
-    return inputs > 0 ? 0 : 1;
+    require(!inputs.empty(), "inputs");
+    std::vector<std::thread> threads;
+    for (int i = 0; i < std::atoi(argv[1]); ++i)
+        threads.emplace_back(replay, inputs, std::atoi(argv[2]), i);
+    for (std::thread& thread : threads) thread.join();
+    return 0;
 }

@@ -1,38 +1,72 @@
-// CheckSignature over a valid key, signature and digest with bytes changed.
-#include "../longarith/fips186_example.h"
+// Verification over the worked example of FIPS 186, Appendix 5, with bytes changed: only the
+// original is accepted, and a number out of range is told before anything else.
+#include <ktbase/longarith.h>
 
+#include <array>
+#include <cstring>
+
+#include "../longarith/fips186_example.h"
 #include "fuzz.h"
 
 namespace {
 
+const Bytes kQ = fips186::little_endian(fips186::kQ);
+using Parts = std::array<Bytes, 3>;  // key, signature, and a digest's state or a message
+
+const Parts kByDigest = {fips186::key(), fips186::signature(),
+                         fips186::little_endian(fips186::kDigest)};
+const Parts kByMessage = {fips186::key(), fips186::signature(fips186::kSOfAbc), {'a', 'b', 'c'}};
+
 int range_code(const Bytes& signature) {
-    const Bytes q = fips186::little_endian(fips186::kQ);
     for (const auto from : {signature.begin(), signature.begin() + 20}) {
-        const Bytes number(std::make_reverse_iterator(from + 20), std::make_reverse_iterator(from));
-        if (number >= Bytes(q.rbegin(), q.rend())) return 0x7707;
-        if (number == Bytes(20)) return 0x707;
+        if (!std::lexicographical_compare(std::make_reverse_iterator(from + 20),
+                                          std::make_reverse_iterator(from), kQ.rbegin(), kQ.rend()))
+            return 0x7707;
+        if (std::count(from, from + 20, 0) == 20) return 0x707;
     }
     return 0;
+}
+
+void judge(Parts parts, const Parts& original) {
+    int expected = range_code(parts[1]);
+    if (expected == 0 && parts != original) expected = 0xF0F;
+    auto& [key, signature, signed_bytes] = parts;
+    if (&original == &kByDigest) {
+        // The record ends after its state.
+        auto* const digest = reinterpret_cast<HASH_CTX*>(signed_bytes.data());
+        require(CheckSignature(key.data(), signature.data(), digest) == expected, "result code");
+        return;
+    }
+    const int result = CheckBufferSign(signed_bytes.data(), static_cast<long>(signed_bytes.size()),
+                                       key.data(), signature.data());
+    require(result == (expected == 0 ? 0 : -1), "result");
+    const HASH_CTX zero = {};
+    require(std::memcmp(&Hash, &zero, sizeof zero) == 0, "the exported record is left alone");
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Input input(data, size);
-    const Bytes original[] = {fips186::key(), fips186::signature(),
-                              fips186::little_endian(fips186::kDigest)};
-    Bytes parts[] = {original[0], original[1], original[2]};
+    const unsigned mode = input.byte();
+    const Parts& original = mode % 2 == 0 ? kByDigest : kByMessage;
+    Parts parts = original;
     while (!input.empty()) {
         const unsigned kind = input.byte();
         Bytes& part = parts[kind % 3];
+        if (part.empty()) break;
         const std::size_t at = input.byte() % part.size();
         const std::size_t run = kind < 128 ? 1 : input.byte();
         std::fill_n(part.begin() + at, std::min(run, part.size() - at), input.byte());
+        if (kind == 255 && mode % 2 != 0) parts[2].clear();
     }
-    int expected = range_code(parts[1]);
-    if (expected == 0 && !std::equal(parts, parts + 3, original)) expected = 0xF0F;
-    // The record ends after its state.
-    auto* const digest = reinterpret_cast<HASH_CTX*>(parts[2].data());
-    require(CheckSignature(parts[0].data(), parts[1].data(), digest) == expected, "result code");
+    judge(parts, original);
+    if (mode < 254 || size > 1) return 0;
+    for (const int part : {1, 2})  // every bit
+        for (unsigned bit = 0; bit < 8 * parts[part].size(); ++bit) {
+            parts[part][bit / 8] ^= 1U << bit % 8;
+            judge(parts, original);
+            parts[part][bit / 8] ^= 1U << bit % 8;
+        }
     return 0;
 }

@@ -2,9 +2,6 @@
 #ifndef KTBASE_TESTS_LONGARITH_FIPS186_EXAMPLE_H
 #define KTBASE_TESTS_LONGARITH_FIPS186_EXAMPLE_H
 
-#include <ktbase/longarith.h>
-
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -24,6 +21,8 @@ inline Bytes little_endian(const std::string& hex) {
 constexpr const char* kQ = "c773218c737ec8ee993b4f2ded30f48edace915f";
 constexpr const char* kR = "8bac1ab66410435cb7181f95b16ab97c92b341c0";
 constexpr const char* kS = "41e2345f1f56df2458f426d155b4ba2db6dcd8c8";
+// Of the example's message by the digest of 1993, with the same key and nonce.
+constexpr const char* kSOfAbc = "1272cde7ff6c85740593c4a88cc229b22c0670d2";
 constexpr const char* kDigest = "a9993e364706816aba3e25717850c26c9cd0d89d";
 
 // y^(2^(40j)) * 2^512 mod p for j = 3 to 0, which is the order of a number's digits.
@@ -38,13 +37,8 @@ inline Bytes key() {
         "42be8cbad780456768b71a8334f6ed0f5080daa40505b7d590bab5782118449a"
         "d8daa8dc3ad2b83040b6b1f1f3e73623cca50a58bb183b39350e543ffa6a793c");
 }
-inline Bytes signature() {
-    return little_endian(std::string(kS) + kR);
-}
-inline HASH_CTX digest(const Bytes& integer) {
-    HASH_CTX ctx = {};
-    std::memcpy(ctx.state, integer.data(), sizeof ctx.state);
-    return ctx;
+inline Bytes signature(const std::string& s = kS) {
+    return little_endian(s + kR);
 }
 
 }  // namespace fips186

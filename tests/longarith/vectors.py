@@ -1,11 +1,9 @@
 #!/usr/bin/env python3
 """Writes operands and results of the long arithmetic, computed with Python's integers, a case a line:
-  product N A B M MONT RESULT          all of N limbs
   reduction NA NM K A M MONT RESULT    A and RESULT of the larger of NA and NM limbs
   power E1 E2 TABLE RESULT OTHER       g^E1 * y^E2 * 2^512 mod p, with p added where OTHER holds it
   inverse X RESULT
   signature KEY SIGNATURE DIGEST CODE  the blobs start in the second byte, so at odd addresses
-  domain Q
 Each is a big-endian hexadecimal number of whole limbs, tables and blobs too.
 usage: vectors.py DOMAIN_FILE
 """
@@ -46,14 +44,6 @@ def reduced(a, m, k):
     """(a + U*m) / 2^(16k) for the U below 2^(16k) that makes the division exact."""
     r = 1 << 16 * k
     return (a + -a * inverse(m, r) % r * m) // r
-
-
-def product(n, a, b, m):
-    result = reduced(a * b, m, n)
-    if result >> 16 * n:
-        result -= m
-    print("product", hexadecimal(1, n), hexadecimal(n, a, b, m), hexadecimal(1, montgomery_constant(m)),
-          hexadecimal(n, result))
 
 
 def reduction():
@@ -117,12 +107,6 @@ def signature(digest):
     return key, r, s
 
 
-print("domain", hexadecimal(10, q))
-product(1, 3135, 3135, 65521)  # 65526: almost reduced
-for limbs in range(1, 33):
-    for _ in range(60):
-        first, second = operand(16 * limbs), operand(16 * limbs)
-        product(limbs, first, rng.choice([first, second, second]), operand(16 * limbs) | 1)
 for _ in range(1500):
     reduction()
 power(0, 0)
