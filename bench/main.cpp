@@ -7,7 +7,7 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "fips186_example.h"
+#include "domain/fips186_example.h"
 #include "montgomery_product.h"
 #include "peers.h"
 #include "processor.h"

@@ -5,7 +5,7 @@
 #include <array>
 #include <cstring>
 
-#include "../longarith/fips186_example.h"
+#include "../../longarith/domain/fips186_example.h"
 #include "fuzz.h"
 
 namespace {

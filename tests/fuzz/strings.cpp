@@ -38,61 +38,60 @@ void check_comparisons(const A& a, const B& b, unsigned n) {
 }
 
 void check_copies(const std::string& source, unsigned n) {
-    std::string expected = source.substr(0, n);
-    std::string text = source;
-    KsStrncpy(text, text, n);
-    require(text == expected, "KsStrncpy of a string");
-    text = source;
-    KsStrncpy(text, text.c_str() + source.size() / 2, n);
-    const std::string half = source.c_str() + source.size() / 2;
-    require(text == half.substr(0, n), "KsStrncpy of an array");
-    text = source;
-    KsStrcpy(text, text.c_str() + source.size() / 2);
-    require(text == half, "KsStrcpy of an array");
-    char* const copy = KsStrdup(source);
-    require(std::string(copy, source.size() + 1) == source + '\0', "KsStrdup");
-    delete[] copy;
-    text.assign(source.size() + 2, '#');
-    KsStrcpy(text.data(), source);
-    require(text == source + '\0' + '#', "KsStrcpy into an array");
-    text.assign(n + 1, '#');
-    KsStrncpy(text.data(), source, n);
-    expected.resize(n);
-    require(text == expected + '#', "KsStrncpy into an array");
+    const std::size_t middle = source.size() / 2;
+    const std::string half = source.c_str() + middle;
+    std::string copy[4] = {source, source, source, source};
+    KsStrncpy(copy[0], copy[0], n);
+    require(copy[0] == source.substr(0, n), "KsStrncpy of a string");
+    KsStrncpy(copy[1], copy[1].c_str() + middle, n);
+    require(copy[1] == half.substr(0, n), "KsStrncpy of an array");
+    KsStrcpy(copy[2], copy[2].c_str() + middle);
+    require(copy[2] == half, "KsStrcpy of an array");
+    KsStrcpy(copy[3], half);
+    require(copy[3] == half, "KsStrcpy of a string");
+
+    char* const made = KsStrdup(source);
+    require(std::string(made, source.size() + 1) == source + '\0', "KsStrdup");
+    delete[] made;
+    std::string array(source.size() + 2, '#');
+    KsStrcpy(array.data(), source);
+    require(array == source + '\0' + '#', "KsStrcpy into an array");
+    array.assign(n + 1, '#');
+    KsStrncpy(array.data(), source, n);
+    std::string padded = source;
+    padded.resize(n);
+    require(array == padded + '#', "KsStrncpy into an array");
 }
 
-void check_edits(const std::string& source) {
-    std::string text;
-    std::string expected = source;
-    KsStrcpy(text, source);
-    Trim(text);
+void check_edits(std::string text) {
+    std::string expected = text;
     const auto kept = [](char c) { return std::memchr(" \t\r\n", c, 4) == nullptr; };
     expected.erase(std::find_if(expected.rbegin(), expected.rend(), kept).base(), expected.end());
     expected.erase(expected.begin(), std::find_if(expected.begin(), expected.end(), kept));
+    Trim(text);
     require(text == expected, "Trim");
-    ConvertToLowerCase(text);
     for (char& c : expected) c = static_cast<char>(lower(c));
+    ConvertToLowerCase(text);
     require(text == expected, "ConvertToLowerCase");
 }
 
-void check_memory(const std::string& s, const std::string& t, int wanted) {
-    const std::size_t n = s.size();
-    const auto pair = std::mismatch(s.begin(), s.end(), t.begin());
-    const int difference = pair.first == s.end() ? 0 : (*pair.first & 0xFF) - (*pair.second & 0xFF);
-    require(e_memcmp(s.data(), t.data(), n) == difference, "e_memcmp");
-    require(e_memicmp(s.data(), t.data(), n) == order(s, t, ascii), "e_memicmp");
-
+void check_searches(const std::string& s, const std::string& t, int wanted) {
+    const auto [a, b] = std::mismatch(s.begin(), s.end(), t.begin());
+    require(e_memcmp(s.data(), t.data(), s.size()) == (a == s.end() ? 0 : (*a & 255) - (*b & 255)),
+            "e_memcmp");
+    require(e_memicmp(s.data(), t.data(), s.size()) == order(s, t, ascii), "e_memicmp");
     const char* const text = s.c_str();
-    const bool none = wanted > 127;
-    require(e_memchr(text, wanted, n) == (none ? nullptr : std::memchr(text, wanted, n)),
-            "e_memchr");
+    const void* const first = wanted > 127 ? nullptr : std::memchr(text, wanted, s.size());
+    require(e_memchr(text, wanted, s.size()) == first, "e_memchr");
     // The search ends before the NUL.
-    const char* const last = none || wanted == 0 ? nullptr : std::strrchr(text, wanted);
+    const char* const last = wanted > 127 || wanted == 0 ? nullptr : std::strrchr(text, wanted);
     require(e_strrchr(text, wanted) == last, "e_strrchr");
     require(e_strlen(text) == std::strlen(text), "e_strlen");
+}
 
-    const std::size_t shift = n == 0 ? 0 : static_cast<unsigned>(wanted) % 8 % n;
-    const std::size_t rest = n - shift;
+void check_moves(const std::string& s, int wanted) {
+    const std::size_t shift = s.empty() ? 0 : static_cast<unsigned>(wanted) % 8 % s.size();
+    const std::size_t rest = s.size() - shift;
     std::string moved = s;
     require(e_memmove(&moved[shift], &moved[0], rest) == &moved[shift], "e_memmove's result");
     require(moved == s.substr(0, shift) + s.substr(0, rest), "e_memmove up");
@@ -106,8 +105,7 @@ void check_memory(const std::string& s, const std::string& t, int wanted) {
     }
     moved = s;
     require(e_memset(&moved[0], wanted, rest) == &moved[0], "e_memset's result");
-    const std::string fill(rest, static_cast<char>(wanted));
-    require(moved == fill + s.substr(rest), "e_memset");
+    require(moved == std::string(rest, static_cast<char>(wanted)) + s.substr(rest), "e_memset");
 }
 
 }  // namespace
@@ -115,8 +113,10 @@ void check_memory(const std::string& s, const std::string& t, int wanted) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Input input(data, size);
     const unsigned n = input.byte() % 24;
-    const unsigned wanted = input.byte();
+    const unsigned byte = input.byte();
     const unsigned common = input.byte();
+    // Half of the searches are for the byte as a signed one, which alone can be found above 127.
+    const int wanted = common < 128 ? byte : static_cast<signed char>(byte);
     const std::string s = input.chars(input.byte() % 48);
     std::string t = s.substr(0, common % 16) + input.chars(80);
     check_comparisons(s, t, n);
@@ -125,8 +125,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     check_copies(s, n);
     check_edits(s);
     t.resize(s.size());
-    // Half of the searches are for the byte as a signed one, which alone can be found above 127.
-    check_memory(s, t,
-                 static_cast<int>(common < 128 ? wanted : wanted ^ 128) - (common < 128 ? 0 : 128));
+    check_searches(s, t, wanted);
+    check_moves(s, wanted);
     return 0;
 }

@@ -1,6 +1,7 @@
-// The worked example of FIPS 186, Appendix 5, in this library's encodings.
-#ifndef KTBASE_TESTS_LONGARITH_FIPS186_EXAMPLE_H
-#define KTBASE_TESTS_LONGARITH_FIPS186_EXAMPLE_H
+// A signature in the domain of fips186.domain: the worked example of FIPS 186, Appendix 5, in this
+// library's encodings. For tests and benchmarks.
+#ifndef KTBASE_LONGARITH_DOMAIN_FIPS186_EXAMPLE_H
+#define KTBASE_LONGARITH_DOMAIN_FIPS186_EXAMPLE_H
 
 #include <string>
 #include <vector>
