@@ -37,7 +37,7 @@ TEST(Clock, converts_sleeps_and_stands_still_at_any_start_time_but_zero) {
     EXPECT_EQ(KtTimeToLocalDate(0, nullptr), nullptr);
 
     signal(SIGALRM, [](int) {});
-    const itimerval alarm = {{2, 0}, {2, 0}};
+    const itimerval alarm = {{0, 300000}, {0, 300000}};
     setitimer(ITIMER_REAL, &alarm, nullptr);
     EXPECT_EQ(KtSleep(4294968), 0) << "wraps to 704 microseconds";
     EXPECT_EQ(KtSleep(60000), -1);
