@@ -1,4 +1,4 @@
-// MD5 against known answers by all its names, and what it leaves behind.
+// MD5 against known answers, in awkward records, and what it leaves behind.
 #include <gtest/gtest.h>
 #include <ktbase/digest.h>
 #include <ktbase/text.h>
@@ -16,8 +16,8 @@ const unsigned char* bytes(const std::string& text) {
     return reinterpret_cast<const unsigned char*>(text.data());
 }
 
-// RFC 1321, A.5. The fuzzer and md5sum_test take every length.
-TEST(Md5, every_name_gives_the_known_answers) {
+// RFC 1321, A.5. The fuzzer takes the other names of the functions, md5sum_test every length.
+TEST(Md5, known_answers_come_out) {
     const std::string letters = "abcdefghijklmnopqrstuvwxyz";
     std::string digits;
     while (digits.size() < 80) digits += "1234567890";
@@ -30,19 +30,11 @@ TEST(Md5, every_name_gives_the_known_answers) {
         {"ABCDEFGHIJKLMNOPQRSTUVWXYZ" + letters + "0123456789", "D174AB98D277D9F5A5611C2C9F419D9F"},
         {digits, "57EDF4A22BE3C955AC49DA2E2107B67A"}};
     for (const auto& [message, answer] : answers) {
-        unsigned char digests[3][16];
-        EXPECT_EQ(GetBufferMD5(digests[0], bytes(message), message.size()), 1);
-        EXPECT_EQ(vantu::MD5(message.data(), message.size(), digests[1]), 1);
-        vantu::MD5_CTX ctx;
-        MD5_Init(&ctx);
-        MD5_Update(&ctx, nullptr, 0);
-        MD5_Update(&ctx, bytes(message), message.size());
-        MD5_Final(digests[2], &ctx);
-        for (unsigned char* digest : digests) {
-            char text[33];
-            BufToHexString(digest, 16, text);
-            EXPECT_STREQ(text, answer);
-        }
+        unsigned char digest[16];
+        char text[33];
+        EXPECT_EQ(GetBufferMD5(digest, bytes(message), message.size()), 1);
+        BufToHexString(digest, 16, text);
+        EXPECT_STREQ(text, answer);
     }
 }
 

@@ -60,9 +60,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Bytes message = input.rest();
     HASH_CTX sha;
     MD5_CTX md5;
+    vantu::MD5_CTX same;
     std::memset(&sha, 0xA5, sizeof sha);
     InitHash(&sha);
     MD5Init(&md5);
+    MD5_Init(&same);
     Model model;
     require(model == sha, "InitHash");
     // Counts of all sizes, and such as wrap.
@@ -75,17 +77,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         model.take(piece);
         require(model == sha, "HashBuf");
         MD5Update(&md5, piece.data(), piece.size());
+        MD5_Update(&same, piece.data(), piece.size());
         at += static_cast<long>(piece.size());
     }
     EndHash(&sha);
     model.end();
     require(model == sha, "EndHash");
 
-    Bytes digest(16);
-    Bytes whole(16);
-    GetBufferMD5(whole.data(), message.data(), message.size());
-    MD5Final(digest.data(), &md5);
-    require(digest == whole, "MD5");
+    Bytes digests[4] = {Bytes(17, '#'), Bytes(17, '#'), Bytes(17, '#'), Bytes(17, '#')};
+    GetBufferMD5(digests[0].data(), message.data(), message.size());
+    vantu::MD5(reinterpret_cast<const char*>(message.data()), message.size(), digests[1].data());
+    MD5Final(digests[2].data(), &md5);
+    MD5_Final(digests[3].data(), &same);
+    for (const Bytes& digest : digests)
+        require(digest == digests[0] && digest[16] == '#', "MD5 by all its names");
     const auto* const left = reinterpret_cast<unsigned char*>(&md5);
     require(std::count(left, left + sizeof md5, 0) == sizeof md5, "the wipe of MD5's record");
     return 0;

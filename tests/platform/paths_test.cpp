@@ -1,4 +1,5 @@
 // Attributes, creation and enumeration.
+#include <dirent.h>
 #include <malloc.h>
 
 #include "fixture.h"
@@ -128,6 +129,11 @@ TEST_F(Platform, null_is_never_followed) {
     Dirent made_by_hand("a");
     EXPECT_EQ(KtFindGetFileName(&made_by_hand), nullptr);
     EXPECT_EQ(made_by_hand.getLastName(), nullptr);
+    calls = {"new[]", 2, false, ENOMEM};
+    Dirent without_directory("a");
+    dirent64 entry = {};
+    without_directory.entry = &entry;
+    EXPECT_EQ(without_directory.setLastName(), 0);
     write("a");
     calls = {"new[]", 3, false, ENOMEM};
     Dirent* found = nullptr;
