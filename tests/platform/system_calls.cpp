@@ -77,7 +77,9 @@ int mkdir(const char* path, mode_t mode) noexcept {
     return call("mkdir", -1, mkdir, path, mode);
 }
 DIR* opendir(const char* path) {
-    return call("opendir", nullptr, opendir, path);
+    DIR* const stream = call("opendir", nullptr, opendir, path);
+    if (stream != nullptr) errno = EXDEV;  // as a call that succeeds may leave it
+    return stream;
 }
 dirent64* readdir64(DIR* stream) {
     if (calls.listing.empty()) return call("readdir64", nullptr, readdir64, stream);
