@@ -1,36 +1,45 @@
-// The limb arithmetic against arithmetic on sets of bits: Montgomery products as additions and
-// halvings, windows bit by bit.
+// The limb arithmetic against arithmetic on bits: Montgomery products as additions and halvings,
+// windows bit by bit.
 #include <ktbase/longarith.h>
 
-#include <bitset>
+#include <array>
 
 #include "fuzz.h"
 
 namespace {
 
 using Limbs = std::vector<unsigned short>;
-using Number = std::bitset<648>;  // 40 limbs, and room for carries
 
-Number number(const Limbs& limbs) {
-    Number a;
-    for (std::size_t i = limbs.size(); i-- > 0;) a = a << 16 | Number(limbs[i]);
-    return a;
-}
-Number sum(Number a, Number b) {
-    while (b.any()) {
-        const Number carries = (a & b) << 1;
-        a ^= b;
-        b = carries;
+// 40 limbs, and room for carries.
+struct Number {
+    std::array<std::uint32_t, 21> words = {};
+
+    explicit Number(const Limbs& limbs) {
+        for (std::size_t i = 0; i < limbs.size(); ++i) words[i / 2] |= limbs[i] << i % 2 * 16;
     }
-    return a;
-}
-Number half(const Number& a, const Number& m) {
-    return (a[0] ? sum(a, m) : a) >> 1;
-}
-// Montgomery's a*b / 2^bits modulo m.
+    bool bit(std::size_t i) const { return (words[i / 32] >> i % 32 & 1) != 0; }
+    void add(const Number& b, bool complemented = false) {
+        std::uint64_t carry = complemented ? 1 : 0;
+        for (std::size_t i = 0; i < words.size(); ++i, carry >>= 32) {
+            carry += std::uint64_t{words[i]} + (complemented ? ~b.words[i] : b.words[i]);
+            words[i] = static_cast<std::uint32_t>(carry);
+        }
+    }
+    void halve() {
+        for (std::size_t i = 0; i < words.size(); ++i)
+            words[i] = words[i] >> 1 | (i + 1 < words.size() ? words[i + 1] << 31 : 0);
+    }
+};
+
+// Montgomery's a*b / 2^bits modulo m, which fits `bits` bits.
 Number product(const Number& a, const Number& b, const Number& m, std::size_t bits) {
-    Number t;
-    for (std::size_t i = 0; i < bits; ++i) t = half(b[i] ? sum(t, a) : t, m);
+    Number t({});
+    for (std::size_t i = 0; i < bits; ++i) {
+        if (b.bit(i)) t.add(a);
+        if (t.bit(0)) t.add(m);
+        t.halve();
+    }
+    if (t.bit(bits)) t.add(m, true);
     return t;
 }
 
@@ -54,27 +63,26 @@ void check_product(Input& input) {
     m[0] |= 1;
     Limbs& factor = where == 3 ? a : b;
     Limbs& out = where == 0 ? apart : where == 1 ? b : a;
-    Number expected = product(number(a), number(factor), number(m), 16 * a.size());
-    while (expected[16 * a.size()]) expected = ~sum(~expected, number(m));
+    const Number expected = product(Number(a), Number(factor), Number(m), 16 * a.size());
     unsigned mont = 0U - m[0];  // -1/m, right in 3 bits, and then in 6, 12 and 24
     for (int bits = 3; bits < 16; bits *= 2) mont *= 2 + m[0] * mont;
     multmodLAN(a.data(), factor.data(), out.data(), m.data(), static_cast<unsigned short>(mont), n);
-    require(number(out) == expected, "product");
+    require(Number(out).words == expected.words, "product");
 }
 
 void check_windows(Input& input) {
     const auto width = static_cast<short>(1 + input.byte() % 8);
     Limbs e = limbs(input, 1 + static_cast<int>(input.byte() % 40));
-    const Number bits = number(e);
+    const Number number(e);
     auto position = static_cast<short>(16 * e.size() - input.byte() % 16);
     short window = 77;
     do {
         int high = position - 1;
-        while (high >= 0 && !bits[high]) --high;
+        while (high >= 0 && !number.bit(high)) --high;
         int low = std::max(high - width + 1, 0);
-        while (low < high && !bits[low]) ++low;
+        while (low < high && !number.bit(low)) ++low;
         unsigned value = 0;
-        for (int i = high; i >= low; --i) value = 2 * value + bits[i];
+        for (int i = high; i >= low; --i) value = 2 * value + number.bit(i);
         const short expected = high < 0 ? window : static_cast<short>(value / 2);
         stelLAN(reinterpret_cast<unsigned char*>(e.data()), &position, &window, width);
         require(position == (high < 0 ? -1 : low) && window == expected, "window");
