@@ -74,7 +74,6 @@ bool is_dot_directory(Dirent* found) {
 bool advance(DIR* stream, Dirent* found) {
     const int errno_before = errno;
     do {
-        found->isLink = 0;
         errno = 0;  // only this tells a read error from the end
         found->entry = readdir64(stream);
         if (found->entry == nullptr) {

@@ -129,6 +129,9 @@ TEST_F(Platform, null_is_never_followed) {
     Dirent made_by_hand("a");
     EXPECT_EQ(KtFindGetFileName(&made_by_hand), nullptr);
     EXPECT_EQ(made_by_hand.getLastName(), nullptr);
+    made_by_hand.attr = 0xA1FF;
+    EXPECT_EQ(KtFindGetFileAttributes(&made_by_hand), bFollowLinks != 0 ? -1 : 0xA1FF);
+    EXPECT_EQ(made_by_hand.isLink, 1);
     calls = {"new[]", 2, false, ENOMEM};
     Dirent without_directory("a");
     dirent64 entry = {};
