@@ -88,8 +88,8 @@ unsigned subtract_multiple(Number& a, const Number& b, Quotient quotient) {
     return quotient.factor;
 }
 
-// a += b * factor * 256^shift. The sum is a cofactor, below 2^160, so neither the digits of b nor the
-// carry lead beyond the last digit of a.
+// a += b * factor * 256^shift. The sum is a cofactor, below 2^160, so neither the digits of b nor
+// the carry lead beyond the last digit of a.
 void add_multiple(Number& a, const Number& b, Quotient quotient) {
     unsigned carry = 0;
     for (int j = 0; j <= b.top || carry != 0; ++j) {
