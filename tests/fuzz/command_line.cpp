@@ -10,19 +10,14 @@ namespace {
 
 std::vector<std::string> words(const std::string& text) {
     std::vector<std::string> found;
-    for (std::size_t i = 0; i < text.size();) {
-        if (text[i] == ' ') {
-            ++i;
-            continue;
-        }
+    for (std::size_t i = 0; (i = text.find_first_not_of(' ', i)) != text.npos;) {
         int quotes = 0;
-        std::string word;
+        std::string& word = found.emplace_back();
         for (; i < text.size() && quotes < 2 && (quotes == 1 || text[i] != ' '); ++i)
             if (text[i] == '"')
                 ++quotes;
             else
                 word += text[i];
-        found.push_back(word);
     }
     return found;
 }
@@ -33,11 +28,11 @@ std::string backslashed(std::string path) {
 }
 
 std::string full_path(const std::string& path, const std::string& name) {
+    const std::size_t root = path.find('\\');
     if (name.empty()) return "";
     if (name.starts_with("\\\\")) return backslashed(name);
-    if (name[0] == '\\')
-        return (path.find('\\') == path.npos ? "" : path.substr(0, path.find('\\'))) + name;
-    if (name.substr(1).starts_with(':') || path.find('\\') == path.npos) return backslashed(name);
+    if (name[0] == '\\') return (root == path.npos ? "" : path.substr(0, root)) + name;
+    if (name.substr(1).starts_with(':') || root == path.npos) return backslashed(name);
     return path.substr(0, path.rfind('\\') + 1) + name;
 }
 
@@ -50,7 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string part = input.text();
     for (int i = 0; i < (mode == 'R' ? 400 : 1); ++i) program += part;  // beyond 4,096 characters
     const std::string name = input.text();
-    std::string text = input.text().substr(0, 4097);
+    const std::string text = input.text().substr(0, 4097) + '\0';
 
     char* table[] = {program.data(), nullptr};
     Bytes memory(sizeof(KtCmdLine), '#');
@@ -63,17 +58,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(line->MakeFullPath(name.c_str(), out.data()) == out.data(), "MakeFullPath's result");
     require(out.c_str() == full_path(path, name), "MakeFullPath");
 
-    const auto expected = words(text);
+    const std::vector<std::string> expected = words(text.c_str());
     std::vector<char*> argv(expected.size() + 1);
     line->argv = argv.data();
-    text += '\0';
     text.copy(line->text, text.size());
     require(line->ParseCmdLine() == 0, "ParseCmdLine's result");
     require(line->argc == static_cast<int>(argv.size()) && argv[0] == line->text + 1, "argc");
-    require(std::equal(expected.begin(), expected.end(), argv.begin() + 1,
-                       [](const std::string& a, const char* b) { return a == b; }),
-            "words");
-    require(whole.substr(text.size()) == std::string(line->text, whole.size()).substr(text.size()),
+    require(std::equal(expected.begin(), expected.end(), argv.begin() + 1), "words");
+    require(std::equal(whole.begin() + text.size(), whole.end(), line->text + text.size()),
             "what stands behind the text");
     return 0;
 }

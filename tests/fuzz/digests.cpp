@@ -2,8 +2,10 @@
 // by itself, MD5 against the digest of the whole.
 #include <ktbase/digest.h>
 
+#include <array>
 #include <bit>
 #include <cstring>
+#include <tuple>
 
 #include "fuzz.h"
 
@@ -14,22 +16,18 @@ struct Model {
     HASH_CTX r = {{0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476, 0xc3d2e1f0}, 0, 0, {}, 4};
 
     void compress() {
-        std::uint32_t v[5];
-        std::memcpy(v, r.state, sizeof v);
+        auto [a, b, c, d, e] = std::to_array(r.state);
         for (int t = 0; t < 80; ++t) {
             std::uint32_t& w = r.data[t & 15];
             if (t > 15) w ^= r.data[(t - 3) & 15] ^ r.data[(t - 8) & 15] ^ r.data[(t - 14) & 15];
-            const std::uint32_t ch = (v[1] & v[2]) | (~v[1] & v[3]);
-            const std::uint32_t maj = (v[1] & v[2]) | (v[1] & v[3]) | (v[2] & v[3]);
-            const std::uint32_t par = v[1] ^ v[2] ^ v[3];
-            const std::uint32_t f[] = {ch, par, maj, par};
+            const std::uint32_t f[] = {(b & c) | (~b & d), b ^ c ^ d, (b & c) | (b & d) | (c & d),
+                                       b ^ c ^ d};
             const std::uint32_t k[] = {0x5a827999, 0x6ed9eba1, 0x8f1bbcdc, 0xca62c1d6};
-            const std::uint32_t sum = std::rotl(v[0], 5) + f[t / 20] + v[4] + w + k[t / 20];
-            std::memmove(v + 1, v, 4 * sizeof v[0]);
-            v[0] = sum;
-            v[2] = std::rotl(v[2], 30);
+            e += std::rotl(a, 5) + f[t / 20] + w + k[t / 20];
+            std::tie(a, b, c, d, e) = std::tuple(e, a, std::rotl(b, 30), c, d);
         }
-        for (int i = 0; i < 5; ++i) r.state[i] += v[i];
+        const std::uint32_t sums[] = {a, b, c, d, e};
+        for (int i = 0; i < 5; ++i) r.state[i] += sums[i];
     }
     void take(const Bytes& bytes) {
         r.count += bytes.size();
@@ -56,23 +54,23 @@ struct Model {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Input input(data, size);
-    const Bytes cuts = input.bytes(input.byte() % 16);
-    const Bytes message = input.rest();
+    Bytes cuts = input.bytes(input.byte() % 16);
+    cuts.push_back(255);
+    const Bytes message = input.bytes(input.left.size());
     HASH_CTX sha;
-    MD5_CTX md5;
-    vantu::MD5_CTX same;
     std::memset(&sha, 0xA5, sizeof sha);
     InitHash(&sha);
-    MD5Init(&md5);
-    MD5_Init(&same);
     Model model;
     require(model == sha, "InitHash");
-    // Counts of all sizes, and such as wrap.
-    sha.count = model.r.count = 0x9E3779B9 * message.size();
+    sha.count = model.r.count = 0x9E3779B9 * size;  // of all sizes, and such as wrap
+    MD5_CTX md5;
+    MD5Init(&md5);
+    vantu::MD5_CTX same;
+    MD5_Init(&same);
     auto at = message.begin();
-    for (std::size_t i = 0; i <= cuts.size(); ++i) {
+    for (unsigned char& cut : cuts) {
         const auto left = message.end() - at;
-        Bytes piece(at, at + (i < cuts.size() ? std::min<long>(cuts[i], left) : left));
+        Bytes piece(at, at + (&cut == &cuts.back() ? left : std::min<long>(cut, left)));
         HashBuf(piece.data(), piece.size(), &sha);
         model.take(piece);
         require(model == sha, "HashBuf");

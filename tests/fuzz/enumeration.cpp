@@ -27,14 +27,14 @@ std::string without_slashes(std::string name) {
 // Files of some bytes, directories, links to the name made before and links to nothing.
 void make_entries(Input& input, const std::string& directory) {
     std::string before = "nothing";
-    for (int i = 0; i < 6 && !input.empty(); ++i) {
+    for (int i = 0; i < 6 && !input.left.empty(); ++i) {
         const unsigned kind = input.byte();
         const std::string name = without_slashes(input.text().substr(0, 255));
         const std::string path = directory + '/' + name;
+        if (kind % 4 == 0) mkdir(path.c_str(), 0700);
+        if (kind % 4 == 1 && symlink(before.c_str(), path.c_str()) != 0) continue;
         if (kind % 4 >= 2) std::ofstream(path) << std::string(kind, 'x');
-        if (kind % 4 == 0 ? mkdir(path.c_str(), 0700) == 0
-                          : kind % 4 == 1 && symlink(before.c_str(), path.c_str()) == 0)
-            before = name;
+        before = name;
     }
 }
 
@@ -60,15 +60,12 @@ Entries enumerated(const std::string& pattern) {
     Entries found;
     Dirent* entry = nullptr;
     const KtFindHandle find = KtFindFirst(pattern.c_str(), &entry);
-    if (find == -1) {
-        require(errno == ENOENT || errno == 0, "errno of an empty enumeration");
-        return found;
-    }
-    require(SYS_OPENFILES == 1, "the stream is counted");
-    do {
+    require(find != -1 || errno == ENOENT || errno == 0, "errno of an empty enumeration");
+    for (int next = find == -1 ? -1 : 0; next == 0; next = KtFindNext(find, entry)) {
+        require(SYS_OPENFILES == 1, "the stream is counted");
         found.emplace_back(KtFindGetFileName(entry), entry->getLastName(),
                            KtFindGetFileAttributes(entry), KtFindGetFileSize(entry));
-    } while (KtFindNext(find, entry) == 0);
+    }
     return found;
 }
 

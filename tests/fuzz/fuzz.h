@@ -8,10 +8,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
+// Each array is of its own exact size: the address sanitizer sees the first byte beyond it.
 using Bytes = std::vector<unsigned char>;
 
 inline void require(bool holds, const char* what) {
@@ -20,40 +22,32 @@ inline void require(bool holds, const char* what) {
     std::abort();
 }
 
-// Draws values from an input; one that is used up gives zeros. Every array is of its own exact
-// size, so that the address sanitizer sees the first byte beyond it.
-class Input {
-public:
-    Input(const std::uint8_t* data, std::size_t size) : at_(data), end_(data + size) {}
+// Draws values from an input; one that is used up gives zeros.
+struct Input {
+    std::string_view left;
 
-    bool empty() const { return at_ == end_; }
-    unsigned byte() { return empty() ? 0 : *at_++; }
-    Bytes bytes(std::size_t size) {
-        Bytes drawn(size);
-        for (unsigned char& b : drawn) b = static_cast<unsigned char>(byte());
-        return drawn;
-    }
-    Bytes rest() { return bytes(static_cast<std::size_t>(end_ - at_)); }
+    Input(const std::uint8_t* data, std::size_t size)
+        : left(reinterpret_cast<const char*>(data), size) {}
+
     // At most that many characters.
     std::string chars(std::size_t most) {
-        std::string drawn;
-        while (!empty() && drawn.size() < most) drawn += static_cast<char>(byte());
+        const std::string drawn(left.substr(0, most));
+        left.remove_prefix(drawn.size());
         return drawn;
+    }
+    unsigned byte() { return chars(1)[0] & 0xFF; }
+    Bytes bytes(std::size_t size) {
+        const std::string drawn = chars(size);
+        Bytes all(drawn.begin(), drawn.end());
+        all.resize(size);
+        return all;
     }
     // Up to the next byte 0 or the end.
     std::string text() {
-        std::string drawn;
-        while (!empty())
-            if (const unsigned b = byte(); b != 0)
-                drawn += static_cast<char>(b);
-            else
-                break;
+        const std::string drawn = chars(left.find('\0'));
+        byte();
         return drawn;
     }
-
-private:
-    const std::uint8_t* at_;
-    const std::uint8_t* end_;
 };
 
 #endif

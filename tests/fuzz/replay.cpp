@@ -12,20 +12,15 @@
 
 namespace {
 
-Bytes variant(Bytes input, std::mt19937& random) {
-    input.resize(random() % (2 * input.size() + 64));
-    if (input.empty()) return input;
-    for (std::size_t changes = random() % (input.size() + 1); changes != 0; --changes)
-        input[random() % input.size()] = static_cast<unsigned char>(random());
-    return input;
-}
-
 void replay(const std::vector<Bytes>& inputs, int variants, unsigned seed) {
     std::mt19937 random(seed);
     for (const Bytes& input : inputs) {
         LLVMFuzzerTestOneInput(input.data(), input.size());
         for (int i = 0; i < variants; ++i) {
-            const Bytes changed = variant(input, random);
+            Bytes changed = input;
+            changed.resize(1 + random() % (2 * input.size() + 64));
+            for (std::size_t changes = random() % changed.size(); changes != 0; --changes)
+                changed[random() % changed.size()] = static_cast<unsigned char>(random());
             LLVMFuzzerTestOneInput(changed.data(), changed.size());
         }
     }

@@ -51,7 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const unsigned mode = input.byte();
     const Parts& original = mode % 2 == 0 ? kByDigest : kByMessage;
     Parts parts = original;
-    while (!input.empty()) {
+    while (!input.left.empty()) {
         const unsigned kind = input.byte();
         Bytes& part = parts[kind % 3];
         if (part.empty()) break;
