@@ -21,10 +21,7 @@ struct FreeKeepingErrno {
 
 // The first position at which the path may be cut.
 std::size_t scan_start(const char* path) {
-    if (path[0] == kSeparator && path[1] == kSeparator) {
-        const char* const server_end = std::strchr(path + 2, kSeparator);
-        return server_end == nullptr ? 2 : server_end - path;
-    }
+    if (path[0] == kSeparator && path[1] == kSeparator) return 2;  // no cut before the server's end
     const bool has_drive = path[1] == ':' && path[2] == kSeparator;
     return has_drive ? 3 : 0;
 }

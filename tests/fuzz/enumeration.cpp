@@ -16,8 +16,8 @@
 namespace {
 
 namespace fs = std::filesystem;
-// Name, full name, attributes and size.
-using Entries = std::vector<std::tuple<std::string, std::string, std::int32_t, std::int32_t>>;
+// Name, full name, size, attributes and whether it is a link.
+using Entries = std::vector<std::tuple<std::string, std::string, std::int32_t, unsigned, bool>>;
 
 std::string without_slashes(std::string name) {
     std::replace(name.begin(), name.end(), '/', '|');
@@ -50,7 +50,8 @@ Entries expected_entries(const std::string& directory, const std::string& mask) 
         struct stat64 target;
         lstat64(path.c_str(), &own);
         if (stat64(path.c_str(), &target) != 0) target = own;
-        found.emplace_back(name, path, (bFollowLinks != 0 ? target : own).st_mode, target.st_size);
+        found.emplace_back(name, path, target.st_size, (bFollowLinks != 0 ? target : own).st_mode,
+                           S_ISLNK(own.st_mode));
     }
     closedir(stream);
     return found;
@@ -63,8 +64,10 @@ Entries enumerated(const std::string& pattern) {
     require(find != -1 || errno == ENOENT || errno == 0, "errno of an empty enumeration");
     for (int next = find == -1 ? -1 : 0; next == 0; next = KtFindNext(find, entry)) {
         require(SYS_OPENFILES == 1, "the stream is counted");
-        found.emplace_back(KtFindGetFileName(entry), entry->getLastName(),
-                           KtFindGetFileAttributes(entry), KtFindGetFileSize(entry));
+        const KtFileAttributes attributes = KtFindGetFileAttributes(entry);
+        found.emplace_back(KtFindGetFileName(entry), entry->getLastName(), KtFindGetFileSize(entry),
+                           attributes, entry->isLink);
+        require(entry->maskLen + entry->dirLen == pattern.size() + 1, "the lengths of its parts");
     }
     return found;
 }

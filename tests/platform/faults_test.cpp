@@ -16,6 +16,11 @@ std::string error() {
     return std::to_string(calls.error);
 }
 
+// A result, with the errno of a failure.
+Lines told(int result) {
+    return {std::to_string(result) + ' ' + (result == -1 ? std::to_string(errno) : "")};
+}
+
 // ---- enumeration
 
 Lines enumerate_texts() {
@@ -46,7 +51,7 @@ Lines texts_after_fault(Lines run) {
 // ---- creation
 
 Lines create_chain() {
-    Lines run = {KtMakePath("p\\q\\r") == 0 ? "0" : std::to_string(errno)};
+    Lines run = told(KtMakePath("p\\q\\r"));
     for (const char* path : {"p", "p\\q", "p\\q\\r"})
         if (rmdir(path) == 0) run.emplace_back(path);
     return run;
@@ -55,15 +60,11 @@ Lines create_chain() {
 Lines chain_after_fault(Lines run) {
     if (calls.failing == "lstat64") return run;  // nothing is found there anyway
     run.resize(calls.failing == "mkdir" ? calls.use : 1);
-    run[0] = error();
+    run[0] = "-1 " + error();
     return run;
 }
 
 // ---- what asks the system once
-
-Lines told(int result) {
-    return {std::to_string(result) + ' ' + (result == -1 ? std::to_string(errno) : "")};
-}
 
 Lines minus_one(Lines) {
     return {"-1 " + error()};

@@ -24,7 +24,7 @@ TEST_F(Platform, paths_are_queried_back_to_what_exists_and_created_forward_from_
           Case{"X:d\\e", 0, "?X:d\\e ?X:d +X:d +X:d\\e "},
           Case{"\\\\s\\t", 0, "?\\\\s\\t ?\\\\s +\\\\s +\\\\s\\t "},
           Case{"\\\\u", 0, "?\\\\u +\\\\u "},
-          Case{"\\\\\\s", 0, "?\\\\\\s ?\\\\ +\\\\ +\\\\\\s "}}) {
+          Case{"\\\\\\s\\t", 0, "?\\\\\\s\\t ?\\\\\\s ?\\\\ +\\\\ +\\\\\\s +\\\\\\s\\t "}}) {
         std::string trace;
         calls = {.trace = &trace};
         EXPECT_EQ(KtMakePath(c.path), c.result) << c.path;
@@ -83,6 +83,7 @@ TEST_F(Platform, links_and_large_files_say_so_in_their_attributes) {
             EXPECT_EQ(KtGetFileAttributes(c.path), follow ? c.followed : c.own);
         }
     }
+    EXPECT_EQ(KtSetFileAttributes("ten", 0), 0);
     EXPECT_EQ(KtIsDirectory(KtGetFileAttributes("")) + KtIsDirectory(0x61ED) + KtIsDirectory(-1),
               1);
 }
@@ -132,6 +133,7 @@ TEST_F(Platform, null_is_never_followed) {
     made_by_hand.attr = 0xA1FF;
     EXPECT_EQ(KtFindGetFileAttributes(&made_by_hand), bFollowLinks != 0 ? -1 : 0xA1FF);
     EXPECT_EQ(made_by_hand.isLink, 1);
+    EXPECT_EQ(made_by_hand.maskLen + made_by_hand.dirLen, 2U + 2);
     calls = {"new[]", 2, false, ENOMEM};
     Dirent without_directory("a");
     dirent64 entry = {};
