@@ -43,6 +43,7 @@ TEST(Sha, the_exported_record_is_zero_at_load_and_bad_records_write_nothing_outs
         EXPECT_EQ(words.front(), fill);
         EXPECT_EQ(words.back(), fill);
     }
+    EXPECT_DEATH(HashBuf(bytes.data(), 0x80000001U, &Hash), "") << "lengths are unsigned";
 }
 
 }  // namespace

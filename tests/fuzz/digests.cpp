@@ -63,8 +63,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Model model;
     require(model == sha, "InitHash");
     sha.count = model.r.count = 0x9E3779B9 * size;  // of all sizes, and such as wrap
-    MD5_CTX md5;
+    MD5_CTX md5 = {{}, {}, {'l', 'e', 'f', 't'}};
     MD5Init(&md5);
+    require(std::string(md5.buffer, md5.buffer + 5) == std::string("left\0", 5), "MD5Init");
     vantu::MD5_CTX same;
     MD5_Init(&same);
     auto at = message.begin();
@@ -84,12 +85,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     Bytes digests[4] = {Bytes(17, '#'), Bytes(17, '#'), Bytes(17, '#'), Bytes(17, '#')};
     GetBufferMD5(digests[0].data(), message.data(), message.size());
-    vantu::MD5(reinterpret_cast<const char*>(message.data()), message.size(), digests[1].data());
+    const auto* const chars = reinterpret_cast<const char*>(message.data());
+    require(vantu::MD5(chars, message.size(), digests[1].data()) == 1, "MD5's result");
     MD5Final(digests[2].data(), &md5);
     MD5_Final(digests[3].data(), &same);
     for (const Bytes& digest : digests)
         require(digest == digests[0] && digest[16] == '#', "MD5 by all its names");
-    const auto* const left = reinterpret_cast<unsigned char*>(&md5);
-    require(std::count(left, left + sizeof md5, 0) == sizeof md5, "the wipe of MD5's record");
+    const MD5_CTX wiped = {};
+    require(std::memcmp(&md5, &wiped, sizeof wiped) == 0, "the wipe of MD5's record");
+    require(std::memcmp(&same, &wiped, sizeof wiped) == 0, "the wipe of the other record");
     return 0;
 }

@@ -63,18 +63,22 @@ void check_product(Input& input) {
     m[0] = static_cast<unsigned short>(input.byte() << 8 | input.byte() | 1);
     Limbs& factor = where == 3 ? a : b;
     Limbs& out = where == 0 ? apart : where == 1 ? b : a;
+    Limbs* const operands[] = {&a, &b, &m};
+    const Limbs before[] = {a, b, m};
     const Number expected = product(Number(a), Number(factor), Number(m), 16 * a.size());
     unsigned mont = 0U - m[0];  // -1/m, right in 3 bits, and then in 6, 12 and 24
     for (int bits = 3; bits < 16; bits *= 2) mont *= 2 + m[0] * mont;
     multmodLAN(a.data(), factor.data(), out.data(), m.data(), static_cast<unsigned short>(mont), n);
     require(Number(out).words == expected.words, "product");
+    for (int i = 0; i < 3; ++i)
+        require(operands[i] == &out || *operands[i] == before[i], "an operand that stays");
 }
 
 void check_windows(Input& input) {
     const auto width = static_cast<short>(1 + input.byte() % 8);
     Limbs e = limbs(input, 1 + static_cast<int>(input.byte() % 40));
     const Number number(e);
-    auto position = static_cast<short>(16 * e.size() - input.byte() % 16);
+    auto position = static_cast<short>(16 * e.size() - input.byte() % (16 * e.size()));
     short window = 77;
     do {
         int high = position - 1;

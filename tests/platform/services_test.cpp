@@ -43,11 +43,16 @@ TEST(Services, tell_convert_and_pass_the_time_and_stop_it_at_any_start_but_zero)
 TEST(Services, split_a_command_line_of_the_most_words_into_the_default_table) {
     KtCmdLine line;
     EXPECT_EQ(line.argc, 1);
+    EXPECT_EQ(pCmdLine, &line);
     for (std::size_t i = 0; i + 1 < sizeof line.text; ++i) line.text[i] = i % 2 == 0 ? 'w' : ' ';
     line.ParseCmdLine();
     EXPECT_EQ(line.argc, 2050);
     EXPECT_EQ(line.MakeFullPath(nullptr, line.text), line.text);
     EXPECT_EQ(line.MakeFullPath("name", nullptr), nullptr);
+    char* end = nullptr;
+    EXPECT_EQ(KtStrtoul("-z!", &end, 36), -35UL);
+    EXPECT_EQ(CopyTextString(line.text, end), line.text);
+    EXPECT_STREQ(line.text, "!");
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <ktbase/platform.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -62,6 +63,7 @@ int fstat(int file, struct stat* status) noexcept {
     return call("fstat", -1, fstat, file, status);
 }
 int close(int file) {  // which it is even when this fails
+    trace("close:" + std::to_string(SYS_OPENFILES));
     const int result = reinterpret_cast<decltype(&close)>(dlsym(RTLD_NEXT, "close"))(file);
     return fails("close") ? -1 : result;
 }
@@ -87,6 +89,7 @@ dirent64* readdir64(DIR* stream) {
     static dirent64 record;
     const std::size_t next = calls.made["readdir64"] - 1;
     if (next >= calls.listing.size()) return nullptr;
+    errno = EXDEV;  // as at opendir
     std::strcpy(record.d_name, calls.listing[next]);
     return &record;
 }

@@ -13,7 +13,8 @@ struct Calls {
     bool ever_after = false;   // and on all later ones
     int error = 0;
     std::vector<const char*> listing = {};  // what any directory is said to hold, if not empty
-    // Gets "?path " for an lstat64, "+path " for a mkdir, "flags:mode " in hexadecimal for an open.
+    // Gets "?path " for an lstat64, "+path " for a mkdir, "flags:mode " in hexadecimal for an open,
+    // "close:" and the count of open files for a close.
     std::string* trace = nullptr;
     std::map<std::string, int> made = {};  // uses by name
 };

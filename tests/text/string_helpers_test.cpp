@@ -7,6 +7,26 @@
 
 #include "fuzz.h"
 
+static bool folds_all = false;
+static int allocations = 0;
+
+// These take the place of the system's: a locale where everything folds to x, and a count.
+extern "C" int tolower(int c) noexcept {
+    const bool upper = c >= 'A' && c <= 'Z';
+    if (folds_all) return 'x';
+    return upper ? c + 32 : c < -1 ? c + 256 : c;
+}
+void* operator new(std::size_t size) {
+    ++allocations;
+    return std::malloc(size);
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
 namespace {
 
 using namespace std::string_literals;
@@ -19,6 +39,19 @@ TEST(StringHelpers, every_pair_of_bytes_ranks_folds_and_is_found_as_in_the_model
         const unsigned char input[] = {2, y, as_signed, 3, 'p', x, x, y, 'A'};
         LLVMFuzzerTestOneInput(input, sizeof input);
     }
+}
+
+TEST(StringHelpers, compare_as_the_locale_folds_and_allocate_nothing_for_it) {
+    std::string a(99, 'a');
+    const std::string b(99, 'b');
+    const int before = allocations;
+    folds_all = true;
+    EXPECT_EQ(KsStrcasecmp(a, b.c_str()) | KsStrncasecmp(b.c_str(), a, 98) | KsStrcasecmp(b, a), 0);
+    EXPECT_EQ(KsStrcmp(a, b.c_str()) & KsStrncmp(a.c_str(), b, 98), -1);
+    ConvertToLowerCase(a);
+    folds_all = false;
+    EXPECT_EQ(allocations, before);
+    EXPECT_EQ(a, std::string(99, 'x'));
 }
 
 TEST(StringHelpers, take_null_for_empty_counts_for_unsigned_and_their_own_text_for_source) {
