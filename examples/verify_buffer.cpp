@@ -51,5 +51,6 @@ int main(int argc, char** argv) {
     const int verdict =
         CheckBufferSign(file.data(), static_cast<long>(file.size()), key.data(), signature.data());
     std::puts(verdict == 0 ? "valid" : "not valid");
+    if (std::fflush(stdout) != 0) fail("standard output", std::strerror(errno));
     return verdict == 0 ? 0 : 1;
 }

@@ -97,6 +97,8 @@ int main(int argc, char** argv) {
         HASH_CTX digest = digest_file(argv[2]);
         const int code = CheckSignature(key.bytes, signature.bytes, &digest);
         std::puts(verdict(code));
+        if (std::fflush(stdout) != 0)
+            throw std::runtime_error(std::string("standard output: ") + std::strerror(errno));
         return code == 0 ? 0 : 1;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "verify_file: %s\n", error.what());

@@ -104,6 +104,10 @@ refused "verify_buffer: none: No such file or directory" "$verify_buffer" key.pu
 refused "verify_buffer: /proc/version: not a file that can be read at once" \
     "$verify_buffer" key.pub /proc/version empty.sig
 
+full() { "$@" > /dev/full; }
+refused "verify_file: standard output: No space left on device" full "$verify_file" key.pub file sig
+refused "verify_buffer: standard output: No space left on device" full "$verify_buffer" key.pub file sig
+
 truncate -s 536870912 long
 prints 2 "ktsign: long: too long to sign, the limit is 2^29 - 1 bytes" "$ktsign" sign key long new
 [ ! -e new ] || fail "a signature of what is too long"
