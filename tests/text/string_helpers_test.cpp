@@ -20,10 +20,11 @@ void* operator new(std::size_t size) {
     ++allocations;
     return std::malloc(size);
 }
-void operator delete(void* memory) noexcept {
+// Never inlined, or the compiler would see free() take what operator new gave.
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
     std::free(memory);
 }
-void operator delete(void* memory, std::size_t) noexcept {
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
 
