@@ -43,8 +43,8 @@ Number product(const Number& a, const Number& b, const Number& m, std::size_t bi
     return t;
 }
 
-Limbs limbs(Input& input, int count) {
-    Limbs drawn(static_cast<std::size_t>(count));
+Limbs limbs(Input& input, unsigned count) {
+    Limbs drawn(count);
     const unsigned kind = input.byte() % 4;  // all ones, nearly all ones, nearly all zeros, random
     for (unsigned short& limb : drawn) {
         limb = static_cast<unsigned short>(input.byte() << 8 | input.byte());
@@ -55,28 +55,30 @@ Limbs limbs(Input& input, int count) {
 
 void check_product(Input& input) {
     const auto n = static_cast<short>(1 + input.byte() % 32);
-    const unsigned where = input.byte() % 4;
-    Limbs m = limbs(input, n);
-    Limbs a = limbs(input, n);
-    Limbs b = limbs(input, n);
+    const unsigned places = input.byte();
+    const unsigned skew = places / 4 % 2;  // a limb before each number puts it off every alignment
+    Limbs m = limbs(input, n + skew);
+    Limbs a = limbs(input, n + skew);
+    Limbs b = limbs(input, n + skew);
     Limbs apart(a.size());
-    m[0] = static_cast<unsigned short>(input.byte() << 8 | input.byte() | 1);
-    Limbs& factor = where == 3 ? a : b;
-    Limbs& out = where == 0 ? apart : where == 1 ? b : a;
+    m[skew] = static_cast<unsigned short>(input.byte() << 8 | input.byte() | 1);
+    Limbs& factor = places % 4 == 3 ? a : b;
+    Limbs& out = places % 4 == 0 ? apart : places % 4 == 1 ? b : a;
     Limbs* const operands[] = {&a, &b, &m};
     const Limbs before[] = {a, b, m};
-    const Number expected = product(Number(a), Number(factor), Number(m), 16 * a.size());
-    unsigned mont = 0U - m[0];  // -1/m, right in 3 bits, and then in 6, 12 and 24
-    for (int bits = 3; bits < 16; bits *= 2) mont *= 2 + m[0] * mont;
-    multmodLAN(a.data(), factor.data(), out.data(), m.data(), static_cast<unsigned short>(mont), n);
-    require(Number(out).words == expected.words, "product");
+    const auto number = [skew](const Limbs& x) { return Number({x.begin() + skew, x.end()}); };
+    const Number expected = product(number(a), number(factor), number(m), 16U * n);
+    unsigned mont = 0U - m[skew];  // -1/m, right in 3 bits, and then in 6, 12 and 24
+    for (int bits = 3; bits < 16; bits *= 2) mont *= 2 + m[skew] * mont;
+    multmodLAN(&a[skew], &factor[skew], &out[skew], &m[skew], static_cast<unsigned short>(mont), n);
+    require(number(out).words == expected.words, "product");
     for (int i = 0; i < 3; ++i)
         require(operands[i] == &out || *operands[i] == before[i], "an operand that stays");
 }
 
 void check_windows(Input& input) {
     const auto width = static_cast<short>(1 + input.byte() % 8);
-    Limbs e = limbs(input, 1 + static_cast<int>(input.byte() % 40));
+    Limbs e = limbs(input, 1 + input.byte() % 40);
     const Number number(e);
     auto position = static_cast<short>(16 * e.size() - input.byte() % (16 * e.size()));
     short window = 77;
