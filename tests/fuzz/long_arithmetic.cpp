@@ -62,7 +62,7 @@ void check_product(Input& input) {
     Limbs b = limbs(input, n + skew);
     Limbs apart(a.size());
     m[skew] = static_cast<unsigned short>(input.byte() << 8 | input.byte() | 1);
-    Limbs& factor = places % 4 == 3 ? a : b;
+    Limbs& factor = places / 8 % 2 == 0 ? b : a;
     Limbs& out = places % 4 == 0 ? apart : places % 4 == 1 ? b : a;
     Limbs* const operands[] = {&a, &b, &m};
     const Limbs before[] = {a, b, m};
