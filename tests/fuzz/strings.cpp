@@ -83,6 +83,7 @@ void check_searches(const std::string& s, const std::string& t, int wanted) {
     const char* const text = s.c_str();
     const void* const first = wanted > 127 ? nullptr : std::memchr(text, wanted, s.size());
     require(e_memchr(text, wanted, s.size()) == first, "e_memchr");
+    require(e_memchr(text, wanted + 0x10000, s.size()) == nullptr, "e_memchr of more than a byte");
     // The search ends before the NUL.
     const char* const last = wanted > 127 || wanted == 0 ? nullptr : std::strrchr(text, wanted);
     require(e_strrchr(text, wanted) == last, "e_strrchr");

@@ -115,7 +115,7 @@ TEST_F(Platform, tells_and_survives_every_fault) {
                 for (int use = 1, untouched = 0; untouched == 0; ++use) {
                     SCOPED_TRACE(testing::Message() << name << ' ' << use << ' ' << ever_after);
                     const bool memory = name == "strdup" || name[0] == 'n';
-                    const Calls fault = {name, use, ever_after, memory ? ENOMEM : EIO};
+                    const Calls fault = {name, use, ever_after, memory ? ENOMEM : EINTR};
                     calls = fault;
                     const Lines faulty = run();
                     untouched = calls.made[name] < use;
