@@ -1,4 +1,4 @@
-// The library's kernels beside their own forms and beside general libraries.
+// The library's kernels beside their own variants and beside general libraries.
 // usage: ktbench [PEERS]    PEERS: a folder with 32-bit libraries, as script/bench makes it
 #include <ktbase/digest.h>
 #include <ktbase/longarith.h>
@@ -8,10 +8,9 @@
 #include <stdexcept>
 
 #include "domain/fips186_example.h"
-#include "montgomery_product.h"
+#include "kernels/montgomery_product.h"
+#include "kernels/sha_blocks.h"
 #include "peers.h"
-#include "processor.h"
-#include "sha_block.h"
 #include "timing.h"
 
 namespace {
@@ -68,11 +67,12 @@ void bench_md5(const Peers& peers, Bytes& data) {
     }
 }
 
-std::vector<std::pair<std::string, ShaForm*>> sha_forms() {
-    std::vector<std::pair<std::string, ShaForm*>> forms = {{"plain form", sha_blocks_plain}};
-    if (has_sse2()) forms.emplace_back("sse2 form", sha_blocks_sse2);
-    if (has_sha()) forms.emplace_back("shani form", sha_blocks_shani);
-    return forms;
+std::vector<std::pair<std::string, ShaBlocks*>> sha_variants() {
+    const CpuFeatures cpu = detect_cpu_features();
+    std::vector<std::pair<std::string, ShaBlocks*>> variants = {{"plain", sha_blocks_plain}};
+    if (cpu.sse2) variants.emplace_back("sse2", sha_blocks_sse2);
+    if (cpu.sha) variants.emplace_back("shani", sha_blocks_shani);
+    return variants;
 }
 
 // No general library has SHA-0: SHA-1 is the same work, and a rotation for each word.
@@ -89,11 +89,12 @@ void bench_sha(const Peers& peers, Bytes& data) {
         InitHash(&start);
         HASH_CTX expected = start;
         HASH_CTX ctx;
-        sha_blocks_plain(&expected, data.data(), size.bytes / kShaBlockBytes);
-        for (const auto& [name, form] : sha_forms()) {
-            contestants.push_back({name, [&, form = form] {
+        sha_blocks_plain(expected.state, expected.data, data.data(), size.bytes / kShaBlockBytes);
+        for (const auto& [name, blocks] : sha_variants()) {
+            contestants.push_back({name, [&, blocks = blocks] {
                                        ctx = start;
-                                       form(&ctx, data.data(), size.bytes / kShaBlockBytes);
+                                       blocks(ctx.state, ctx.data, data.data(),
+                                              size.bytes / kShaBlockBytes);
                                    }});
             contestants.back().run();
             check(std::memcmp(ctx.state, expected.state, sizeof(ctx.state)) == 0, name.c_str());
@@ -143,19 +144,20 @@ void bench_product(const Peers& peers, const char* kernel, const std::string& a_
     for (int bits = 1; bits < 16; bits *= 2) inverse *= 2 - m.limb[0] * inverse;
     const auto mont = static_cast<std::uint16_t>(0 - inverse);
 
-    std::vector<std::pair<std::string, MontgomeryProduct*>> forms = {
-        {"plain form", montgomery_product_plain}};
-    if (cpu_has_sse2()) forms.emplace_back("sse2 form", montgomery_product_sse2);
-    if (cpu_has_avx2()) forms.emplace_back("avx2 form", montgomery_product_avx2);
+    const CpuFeatures cpu = detect_cpu_features();
+    std::vector<std::pair<std::string, MontgomeryProduct*>> variants = {
+        {"plain", montgomery_product_plain}};
+    if (cpu.sse2) variants.emplace_back("sse2", montgomery_product_sse2);
+    if (cpu.avx2) variants.emplace_back("avx2", montgomery_product_avx2);
     std::uint16_t ours[kMaxProductLimbs];
     std::uint16_t theirs[kMaxProductLimbs];
     std::vector<Contestant> contestants = {
         {"library",
          [&] { multmodLAN(a.limb, b.limb, ours, m.limb, mont, static_cast<short>(n)); }}};
     contestants.front().run();
-    for (const auto& [name, form] : forms) {
+    for (const auto& [name, product] : variants) {
         contestants.push_back(
-            {name, [&, form = form] { form(a.limb, b.limb, theirs, m.limb, mont, n); }});
+            {name, [&, product = product] { product(a.limb, b.limb, theirs, m.limb, mont, n); }});
         contestants.back().run();
         check(std::equal(ours, ours + n, theirs), name.c_str());
     }

@@ -7,16 +7,20 @@
 
 static_assert(sizeof(MD5_CTX) == 88);
 static_assert(offsetof(MD5_CTX, count) == 16 && offsetof(MD5_CTX, buffer) == 24);
-// vantu's functions hand their record to the global ones as it is.
+// vantu's functions pass their record to the global functions.
 static_assert(sizeof(vantu::MD5_CTX) == sizeof(MD5_CTX));
 static_assert(offsetof(vantu::MD5_CTX, count) == offsetof(MD5_CTX, count) &&
               offsetof(vantu::MD5_CTX, buffer) == offsetof(MD5_CTX, buffer));
+
+// The words of the record lie in memory as the bytes of the message, the length and the digest.
+static_assert(std::endian::native == std::endian::little);
 
 namespace {
 
 constexpr unsigned kBlockBytes = 64;
 constexpr unsigned kBlockWords = 16;
 constexpr unsigned kLengthBytes = 8;
+constexpr unsigned kDigestBytes = 16;
 
 constexpr std::uint32_t kInitialState[4] = {0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476};
 
@@ -33,17 +37,12 @@ constexpr std::uint32_t kSines[64] = {
     0xf4292244, 0x432aff97, 0xab9423a7, 0xfc93a039, 0x655b59c3, 0x8f0ccc92, 0xffeff47d, 0x85845dd1,
     0x6fa87e4f, 0xfe2ce6e0, 0xa3014314, 0x4e0811a1, 0xf7537e82, 0xbd3af235, 0x2ad7d2bb, 0xeb86d391};
 
-// A little-endian word at any address. Volatile: it is read again at each use, where the compiler
-// would keep it between two uses on the stack.
+// A little-endian word at any address. It is volatile so that each use loads it again. Otherwise
+// the compiler spills words of the message to the stack.
 using WordInPlace [[gnu::aligned(1), gnu::may_alias]] = const volatile std::uint32_t;
 
 std::uint32_t word_at(const unsigned char* bytes) {
     return *reinterpret_cast<WordInPlace*>(bytes);
-}
-
-void put_little_endian(unsigned char* bytes, const std::uint32_t* words, unsigned count) {
-    for (unsigned i = 0; i < 4 * count; ++i)
-        bytes[i] = static_cast<unsigned char>(words[i / 4] >> 8 * (i % 4));
 }
 
 struct Round {
@@ -55,9 +54,9 @@ constexpr Round kRounds[4] = {{1, 0, {7, 12, 17, 22}},
                               {3, 5, {4, 11, 16, 23}},
                               {7, 0, {6, 10, 15, 21}}};
 
-// The functions F to I of section 3.4 are added so that b, which is the sum of the step before, is
-// waited for last: the steps are one chain, and nothing else takes time. The word is read from the
-// block when it is added and kept nowhere, so that there is nothing of the message to wipe.
+// Step T of section 3.4. b is the result of the previous step and the critical path, so each of the
+// functions F to I is added in an order that needs b last. The word is loaded from the block where
+// it is added, so no copy of the message is left to wipe.
 template <unsigned T>
 [[gnu::always_inline]] inline void step(std::uint32_t& a, std::uint32_t b, std::uint32_t c,
                                         std::uint32_t d, const unsigned char* block) {
@@ -65,11 +64,11 @@ template <unsigned T>
     constexpr unsigned kWord = (kRound.stride * T + kRound.start) % kBlockWords;
     a += kSines[T];
     a += word_at(block + 4 * kWord);
-    asm("" : "+r"(a));  // added here, or the word may wait for it on the stack
+    asm("" : "+r"(a));  // keeps the compiler from delaying the addition and spilling the word
     if constexpr (T < 16) {
         a += ((c ^ d) & b) ^ d;
     } else if constexpr (T < 32) {
-        // G in two sums: no bit is set in both.
+        // G as a sum: no bit is set in both terms.
         a += c & ~d;
         a += b & d;
     } else if constexpr (T < 48) {
@@ -93,7 +92,7 @@ template <unsigned First>
     if constexpr (First % 16 < 12) sixteen_steps<First + 4>(s, block);
 }
 
-// Compresses `count` blocks that follow each other.
+// Compresses `count` consecutive blocks.
 void compress(std::uint32_t* state, const unsigned char* block, unsigned count) {
     WorkingState s = {state[0], state[1], state[2], state[3]};
     for (; count != 0; --count, block += kBlockBytes) {
@@ -109,8 +108,8 @@ void compress(std::uint32_t* state, const unsigned char* block, unsigned count) 
     }
 }
 
-// The bytes of `buffer` that wait for the rest of their block.
-unsigned waiting(const MD5_CTX* ctx) {
+// The number of bytes in `buffer`.
+unsigned buffered_bytes(const MD5_CTX* ctx) {
     return ctx->count[0] / 8 % kBlockBytes;
 }
 
@@ -129,9 +128,9 @@ void MD5Init(MD5_CTX* ctx) {
 }
 
 void MD5Update(MD5_CTX* ctx, const unsigned char* input, unsigned length) {
-    unsigned used = waiting(ctx);
+    unsigned used = buffered_bytes(ctx);
     add_to_count(ctx->count, length);
-    // Moves, not copies: the input may lie in the record.
+    // memmove, because the input may lie in the record.
     const unsigned missing = kBlockBytes - used;
     if (length >= missing) {
         std::memmove(ctx->buffer + used, input, missing);
@@ -144,7 +143,7 @@ void MD5Update(MD5_CTX* ctx, const unsigned char* input, unsigned length) {
         length %= kBlockBytes;
         used = 0;
     }
-    // No move of nothing: its address may be null.
+    // memmove from null is undefined even for 0 bytes.
     if (length != 0) std::memmove(ctx->buffer + used, input, length);
 }
 
@@ -168,12 +167,12 @@ int GetBufferMD5(unsigned char* digest, const unsigned char* input, unsigned len
 
 void MD5Final(unsigned char* digest, MD5_CTX* ctx) {
     unsigned char length[kLengthBytes];
-    put_little_endian(length, ctx->count, 2);
-    const unsigned used = waiting(ctx);
+    std::memcpy(length, ctx->count, kLengthBytes);
+    const unsigned used = buffered_bytes(ctx);
     MD5Update(ctx, kPadding, (used < 56 ? 56 : 120) - used);
     MD5Update(ctx, length, kLengthBytes);
-    put_little_endian(digest, ctx->state, 4);
-    explicit_bzero(ctx, sizeof *ctx);  // a plain fill of a record about to die may be dropped
+    std::memcpy(digest, ctx->state, kDigestBytes);
+    explicit_bzero(ctx, sizeof *ctx);  // the compiler may drop a memset of a dying record
 }
 
 namespace vantu {

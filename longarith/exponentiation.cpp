@@ -6,20 +6,17 @@
 
 namespace {
 
-constexpr int kChunks = 4;  // each exponent is cut into four chunks of 40 bits
-constexpr int kChunkBytes = 5;
-constexpr short kChunkBits = 8 * kChunkBytes;
-constexpr int kCursors = 2 * kChunks;
+constexpr int kCursors = 2 * kChunks;  // one for each chunk of each exponent
 
-// Walks one chunk of an exponent from its top, window by window.
+// Scans one chunk of an exponent from its top, window by window.
 struct Cursor {
     unsigned char* chunk;
     const unsigned short* powers;  // odd powers of the chunk's base, in Montgomery form
     short width;
-    short position;  // of the current window's lowest bit; -1 once the chunk is used up
+    short position;  // of the current window's lowest bit; -1 after the last window
     short window;
 
-    void advance() { stelLAN(chunk, &position, &window, width); }
+    void next_window() { stelLAN(chunk, &position, &window, width); }
     const unsigned short* power() const { return powers + window * kLimbsP; }
 };
 
@@ -28,7 +25,7 @@ void multiply_windows(unsigned short* out, Cursor* cursors, int level) {
     for (Cursor* cursor = cursors; cursor != cursors + kCursors; ++cursor) {
         if (cursor->position != level) continue;
         multiply_mod_p(out, cursor->power());
-        cursor->advance();
+        cursor->next_window();
     }
 }
 
@@ -61,17 +58,18 @@ void stelLAN(unsigned char* e, short* pos, short* win, short w) {
 }
 
 void expmodLAN(unsigned short* out, unsigned char* e1, unsigned short* ytab, unsigned char* e2) {
-    // In the order of advance: chunk 0 of e1, chunk 0 of e2, chunk 1 of e1, ...
+    // In the order of their first windows: chunk 0 of e1, chunk 0 of e2, chunk 1 of e1, ...
     Cursor cursors[kCursors];
     Cursor* leading = nullptr;
     for (int i = 0; i < kCursors; ++i) {
         const int j = i / 2;
         Cursor& cursor = cursors[i];
         if (i % 2 == 0)
-            cursor = {e1 + kChunkBytes * j, DsaBaseTable + 16 * kLimbsP * j, 5, kChunkBits, 0};
+            cursor = {e1 + kChunkBytes * j, DsaBaseTable + kPowersG * kLimbsP * j, kWindowG,
+                      kChunkBits, 0};
         else
-            cursor = {e2 + kChunkBytes * j, ytab + 2 * kLimbsP * j, 2, kChunkBits, 0};
-        cursor.advance();
+            cursor = {e2 + kChunkBytes * j, ytab + kPowersY * kLimbsP * j, kWindowY, kChunkBits, 0};
+        cursor.next_window();
         if (cursor.position > (leading != nullptr ? leading->position : -1)) leading = &cursor;
     }
     if (leading == nullptr) {
@@ -81,7 +79,7 @@ void expmodLAN(unsigned short* out, unsigned char* e1, unsigned short* ytab, uns
 
     int level = leading->position;
     std::copy_n(leading->power(), kLimbsP, out);
-    leading->advance();
+    leading->next_window();
     multiply_windows(out, cursors, level);
     while (--level >= 0) {
         multiply_mod_p(out, out);

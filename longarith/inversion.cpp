@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int kDigits = kExponentBytes + 1;  // the last one takes what a multiply-subtract carries
+constexpr int kDigits = kBytesQ + 1;  // the last one takes what a multiply-subtract carries
 
 // A number in base 256, least significant digit first.
 struct Number {
@@ -102,7 +102,7 @@ void add_multiple(Number& a, const Number& b, Quotient quotient) {
 
 Number modulus() {
     Number q;
-    unpackLAN(read_only(DsaQ), q.digit, kExponentBytes);
+    unpackLAN(read_only(DsaQ), q.digit, kBytesQ);
     q.find_top();
     return q;
 }
@@ -112,7 +112,7 @@ Number modulus() {
 void invertLAN(unsigned char* x, unsigned short* out) {
     Number a = modulus();
     Number b;
-    std::copy_n(x, kExponentBytes, b.digit);
+    std::copy_n(x, kBytesQ, b.digit);
     b.find_top();
     if (!less(b, a)) subtract_multiple(b, modulus(), {1, 0});  // x < 2^160 <= 2q: once is enough
     if (is_zero(b)) {
@@ -137,11 +137,11 @@ void invertLAN(unsigned char* x, unsigned short* out) {
     }
 
     if (positive) {
-        packLAN(cofactor_b.digit, out, kExponentBytes);
+        packLAN(cofactor_b.digit, out, kBytesQ);
         return;
     }
     unsigned short negated[kLimbsQ];
-    packLAN(cofactor_b.digit, negated, kExponentBytes);
+    packLAN(cofactor_b.digit, negated, kBytesQ);
     std::copy_n(DsaQ, kLimbsQ, out);
     subtLAN(out, negated, kLimbsQ);
 }

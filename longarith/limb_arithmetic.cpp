@@ -1,19 +1,18 @@
-// Arithmetic on vectors of 16-bit limbs: byte strings, subtraction, and the Montgomery reduction;
-// the Montgomery product is in the files named after it.
+// Arithmetic on vectors of 16-bit limbs: byte strings, subtraction, the Montgomery product and
+// reduction.
 #include <ktbase/longarith.h>
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
 
-#include "montgomery_product.h"
+#include "kernels/kernels.h"
+#include "kernels/limbs.h"
+
+// The bytes of a number are its limbs as they lie in memory.
+static_assert(std::endian::native == std::endian::little);
 
 namespace {
-
-std::uint16_t low_half(std::uint32_t t) {
-    return static_cast<std::uint16_t>(t);
-}
-std::uint32_t high_half(std::uint32_t t) {
-    return t >> 16;
-}
 
 // The limb u for which t0 + u*m0 is a multiple of 2^16.
 std::uint32_t reduction_limb(std::uint16_t t0, std::uint16_t mont) {
@@ -23,19 +22,14 @@ std::uint32_t reduction_limb(std::uint16_t t0, std::uint16_t mont) {
 }  // namespace
 
 void packLAN(unsigned char* bytes, unsigned short* limbs, short nbytes) {
-    // An int index: one of type short would wrap before it reached 32767 in steps of 2.
-    for (int k = 0; k < nbytes; k += 2) {
-        const unsigned high = k + 1 < nbytes ? bytes[k + 1] : 0U;
-        limbs[k / 2] = low_half(bytes[k] + 256 * high);
-    }
+    if (nbytes <= 0) return;
+    const unsigned char last = bytes[nbytes - 1];
+    std::memmove(limbs, bytes, static_cast<std::size_t>(nbytes / 2 * 2));
+    if (nbytes % 2 != 0) limbs[nbytes / 2] = last;
 }
 
 void unpackLAN(unsigned short* limbs, unsigned char* bytes, short nbytes) {
-    for (int k = 0; k < nbytes; k += 2) {
-        const unsigned limb = limbs[k / 2];
-        bytes[k] = static_cast<unsigned char>(limb & 0xFF);
-        if (k + 1 < nbytes) bytes[k + 1] = static_cast<unsigned char>(limb >> 8);
-    }
+    if (nbytes > 0) std::memmove(bytes, limbs, static_cast<std::size_t>(nbytes));
 }
 
 void subtLAN(unsigned short* a, unsigned short* b, short n) {
@@ -45,7 +39,7 @@ void subtLAN(unsigned short* a, unsigned short* b, short n) {
 void multmodLAN(unsigned short* a, unsigned short* b, unsigned short* out, unsigned short* m,
                 unsigned short mont, short n) {
     if (n <= 0) return;
-    montgomery_product()(a, b, out, m, mont, n);
+    kernels().montgomery_product(a, b, out, m, mont, n);
 }
 
 void privLAN(unsigned short* a, unsigned short* m, unsigned short mont, short na, short nm,
@@ -58,7 +52,7 @@ void privLAN(unsigned short* a, unsigned short* m, unsigned short mont, short na
             a[j - 1] = low_half(t);
             carry = high_half(t);
         }
-        int top = std::max<int>(nm, 1) - 1;  // the limb that the carry enters
+        int top = std::max<int>(nm, 1) - 1;  // the limb that receives the carry
         for (; top + 1 < na; ++top) {
             const std::uint32_t t = a[top + 1] + carry;
             a[top] = low_half(t);

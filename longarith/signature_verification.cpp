@@ -10,9 +10,6 @@ constexpr int kIsZero = 0x707;
 constexpr int kOutOfRange = 0x7707;
 constexpr int kNoMatch = 0xF0F;
 
-constexpr int kKeyNumbers = 4;
-constexpr short kBytesP = 64;
-
 // True when the number of kLimbsQ limbs is q or more.
 bool reaches_q(const unsigned short* a) {
     for (int i = kLimbsQ - 1; i >= 0; --i)
@@ -22,7 +19,7 @@ bool reaches_q(const unsigned short* a) {
 
 // Reads r or s from the signature and judges its range.
 int read_in_range(unsigned char* bytes, unsigned short* number) {
-    packLAN(bytes, number, kExponentBytes);
+    packLAN(bytes, number, kBytesQ);
     if (reaches_q(number)) return kOutOfRange;
     const bool zero =
         std::all_of(number, number + kLimbsQ, [](unsigned short limb) { return limb == 0; });
@@ -31,8 +28,8 @@ int read_in_range(unsigned char* bytes, unsigned short* number) {
 
 // The table of powers that expmodLAN takes: each number of the key, and its cube.
 void build_key_powers(unsigned char* key, unsigned short* powers) {
-    for (int j = 0; j < kKeyNumbers; ++j) {
-        unsigned short* const y = powers + 2 * j * kLimbsP;
+    for (int j = 0; j < kChunks; ++j) {
+        unsigned short* const y = powers + kPowersY * j * kLimbsP;
         unsigned short* const cube = y + kLimbsP;
         packLAN(key + kBytesP * j, y, kBytesP);
         unsigned short square[kLimbsP];
@@ -49,7 +46,7 @@ void make_exponent(const unsigned short* w, const unsigned short* factor, unsign
     std::copy_n(w, kLimbsQ, product);
     multiply_mod_q(product, factor);
     multiply_mod_q(product, DsaR2Q);  // cancels the 2^-160 of both products
-    unpackLAN(product, exponent, kExponentBytes);
+    unpackLAN(product, exponent, kBytesQ);
 }
 
 // Takes a number in Montgomery form modulo p to its residue below p, and that to its residue
@@ -78,18 +75,18 @@ int CheckSignature(unsigned char* key, unsigned char* signature, HASH_CTX* diges
     unsigned short r[kLimbsQ];
     unsigned short s[kLimbsQ];
     if (const int code = read_in_range(signature, r); code != kValid) return code;
-    if (const int code = read_in_range(signature + kExponentBytes, s); code != kValid) return code;
+    if (const int code = read_in_range(signature + kBytesQ, s); code != kValid) return code;
 
-    unsigned short key_powers[2 * kKeyNumbers * kLimbsP];
+    unsigned short key_powers[kChunks * kPowersY * kLimbsP];
     build_key_powers(key, key_powers);
     unsigned short w[kLimbsQ];
-    invertLAN(signature + kExponentBytes, w);
+    invertLAN(signature + kBytesQ, w);
 
     unsigned short message[kLimbsQ];
     for (int i = 0; i < kLimbsQ; ++i)
         message[i] = static_cast<unsigned short>(digest->state[i / 2] >> (i % 2 * 16));
-    unsigned char u1[kExponentBytes];
-    unsigned char u2[kExponentBytes];
+    unsigned char u1[kBytesQ];
+    unsigned char u2[kBytesQ];
     make_exponent(w, message, u1);
     make_exponent(w, r, u2);
 

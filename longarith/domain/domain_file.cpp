@@ -1,14 +1,19 @@
-// Reads a DSA domain from text.
 #include "domain_file.h"
 
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <map>
 #include <sstream>
 
+#include "../domain_shape.h"
+
 namespace {
 
-constexpr std::size_t kDigitsP = 128;
-constexpr std::size_t kDigitsQ = 40;
-constexpr std::size_t kDigitsPerLimb = 4;
+constexpr std::size_t kDigitsPerLimb = kLimbBits / 4;
+constexpr std::size_t kDigitsP = kLimbsP * kDigitsPerLimb;
+constexpr std::size_t kDigitsQ = kLimbsQ * kDigitsPerLimb;
 
 std::string trimmed(const std::string& text) {
     const char* const blanks = " \t\r";
@@ -17,7 +22,8 @@ std::string trimmed(const std::string& text) {
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-// The digits of `name`, exactly `width` of them, or up to `width` when `exact` is false.
+// Returns the number `name`. Requires exactly `width` digits, or at most `width` where `exact` is
+// false.
 Limbs parse_number(const std::map<std::string, std::string>& numbers, const std::string& name,
                    std::size_t width, bool exact) {
     const auto found = numbers.find(name);
@@ -58,4 +64,16 @@ Domain parse_domain(const std::string& text) {
     }
     return {parse_number(numbers, "p", kDigitsP, true), parse_number(numbers, "q", kDigitsQ, true),
             parse_number(numbers, "g", kDigitsP, false)};
+}
+
+Domain read_domain_file(const std::string& path) {
+    std::error_code error;  // opening the file reports what this query cannot
+    if (path.empty() || std::filesystem::is_directory(path, error)) throw DomainError("not a file");
+    std::ifstream file(path, std::ios::binary);
+    if (!file) throw DomainError(std::strerror(errno));
+    std::string text;
+    char c = 0;
+    while (file.get(c)) text += c;
+    if (file.bad()) throw DomainError(std::strerror(errno));
+    return parse_domain(text);
 }

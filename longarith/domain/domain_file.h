@@ -1,5 +1,5 @@
-// A DSA domain as text: lines `p = HEX`, `q = HEX`, `g = HEX`, each once, in any order, big-endian
-// hexadecimal of either case; `#` begins a comment, and blank lines mean nothing.
+// A DSA domain as text: lines `p = HEX`, `q = HEX`, `g = HEX`, each once, in any order. The numbers
+// are big-endian hexadecimal of either case. `#` begins a comment. Blank lines are allowed.
 #ifndef KTBASE_LONGARITH_DOMAIN_DOMAIN_FILE_H
 #define KTBASE_LONGARITH_DOMAIN_DOMAIN_FILE_H
 
@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
-using Limbs = std::vector<unsigned short>;
+using Limbs = std::vector<unsigned short>;  // a number, least significant limb first
 
 struct Domain {
-    Limbs p;  // 32 limbs
-    Limbs q;  // 10 limbs
-    Limbs g;  // 32 limbs
+    Limbs p;  // kLimbsP limbs
+    Limbs q;  // kLimbsQ limbs
+    Limbs g;  // kLimbsP limbs
 };
 
 // What is wrong with a domain, in one line.
@@ -20,8 +20,10 @@ struct DomainError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// Reads a domain and checks all that can be seen without arithmetic: that every number is there
-// once and has its width. Throws DomainError.
+// Parses a domain. Checks that every number is present once and has its width. Throws DomainError.
 Domain parse_domain(const std::string& text);
+
+// Reads and parses a domain file. Throws DomainError, also when the file cannot be read.
+Domain read_domain_file(const std::string& path);
 
 #endif

@@ -61,11 +61,12 @@ printf 'p = %s\n\np = %s\n' "$p" "$p" > test.domain;         refused "line 3: p 
 printf 'h = 1\n' > test.domain;                              refused "line 1: the names are p, q and g"
 printf 'p\n' > test.domain;                                  refused "line 1: not of the form NAME = HEX"
 rm test.domain;                                              refused "No such file or directory"
-mkdir test.domain;                                           refused "Is a directory"
+: > test.domain;                                             refused 'no line "p = HEX"'
+rm test.domain; mkdir test.domain;                           refused "not a file"
 
-rm -rf ./*
 "$derive" "$good" tables /nowhere/numbers 2> out && fail "wrote into a missing folder"
 [ "$(cat out)" = "derive_domain: /nowhere/numbers: No such file or directory" ] || fail "$(cat out)"
-[ "$(ls)" = out ] || fail "left output: $(ls)"
+"$derive" "" tables numbers 2> out && fail "accepted an empty path"
+[ "$(cat out)" = "derive_domain: \"\": not a file" ] || fail "$(cat out)"
 
 [ "$failures" = 0 ]

@@ -1,11 +1,9 @@
 // SHA's block function as FIPS 180 (1993) writes it, with the schedule in the words of the block.
+#include "kernels/sha_blocks.h"
+
 #include <bit>
 
-#include "sha_block.h"
-
 namespace {
-
-constexpr unsigned kBlockWords = 16;
 
 std::uint32_t choice(std::uint32_t b, std::uint32_t c, std::uint32_t d) {
     return ((c ^ d) & b) ^ d;
@@ -22,11 +20,12 @@ std::uint32_t big_endian_word(const unsigned char* bytes) {
            std::uint32_t{bytes[2]} << 8 | bytes[3];
 }
 
-// Word t of the message schedule, formed over the word of `data` that held W[t-16].
-std::uint32_t schedule_word(std::uint32_t* data, unsigned t) {
-    if (t >= kBlockWords)
-        data[t % 16] ^= data[(t + 13) % 16] ^ data[(t + 8) % 16] ^ data[(t + 2) % 16];
-    return data[t % 16];
+// Returns W[t], computed in the word that held W[t-16].
+std::uint32_t schedule_word(std::uint32_t* schedule, unsigned t) {
+    if (t >= kShaBlockWords)
+        schedule[t % 16] ^=
+            schedule[(t + 13) % 16] ^ schedule[(t + 8) % 16] ^ schedule[(t + 2) % 16];
+    return schedule[t % 16];
 }
 
 struct WorkingState {
@@ -34,21 +33,21 @@ struct WorkingState {
 };
 
 template <auto RoundFunction, unsigned First>
-void twenty_rounds(WorkingState& s, std::uint32_t* data) {
+void twenty_rounds(WorkingState& s, std::uint32_t* schedule) {
     for (unsigned t = First; t < First + 20; ++t) {
         const std::uint32_t sum = std::rotl(s.a, 5) + RoundFunction(s.b, s.c, s.d) + s.e +
-                                  schedule_word(data, t) + kShaConstants[First / 20];
+                                  schedule_word(schedule, t) + kShaConstants[First / 20];
         s = {sum, s.a, std::rotl(s.b, 30), s.c, s.d};
     }
 }
 
-// Compresses `data` into `state`; `data` is left holding W[64] to W[79].
-void compress(std::uint32_t* state, std::uint32_t* data) {
+// Compresses the block in `schedule` into `state`.
+void compress(std::uint32_t* state, std::uint32_t* schedule) {
     WorkingState s = {state[0], state[1], state[2], state[3], state[4]};
-    twenty_rounds<choice, 0>(s, data);
-    twenty_rounds<parity, 20>(s, data);
-    twenty_rounds<majority, 40>(s, data);
-    twenty_rounds<parity, 60>(s, data);
+    twenty_rounds<choice, 0>(s, schedule);
+    twenty_rounds<parity, 20>(s, schedule);
+    twenty_rounds<majority, 40>(s, schedule);
+    twenty_rounds<parity, 60>(s, schedule);
     state[0] += s.a;
     state[1] += s.b;
     state[2] += s.c;
@@ -58,9 +57,10 @@ void compress(std::uint32_t* state, std::uint32_t* data) {
 
 }  // namespace
 
-void sha_blocks_plain(HASH_CTX* ctx, const unsigned char* blocks, std::size_t count) {
+void sha_blocks_plain(std::uint32_t* state, std::uint32_t* schedule, const unsigned char* blocks,
+                      std::size_t count) {
     for (; count != 0; --count, blocks += kShaBlockBytes) {
-        for (unsigned i = 0; i < kBlockWords; ++i) ctx->data[i] = big_endian_word(blocks + 4 * i);
-        compress(ctx->state, ctx->data);
+        for (unsigned i = 0; i < kShaBlockWords; ++i) schedule[i] = big_endian_word(blocks + 4 * i);
+        compress(state, schedule);
     }
 }

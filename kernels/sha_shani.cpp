@@ -1,16 +1,15 @@
-// SHA's block function with the SHA instructions, which take the rounds four at a time. They are
-// SHA-1's, whose rounds are the same; its schedule is not, and here is plain sums of vectors.
+// SHA's block function with the SHA instructions, which compute four rounds at a time. They are
+// made for SHA-1, which has the same rounds. Its schedule differs, so the schedule is computed with
+// exclusive ors of vectors.
 #include <immintrin.h>
 
-#include "sha_block.h"
+#include "kernels/sha_blocks.h"
 
-// Nothing here may be shared with code of the baseline: no template or inline function of a
-// library, of which the linker might keep this file's copy for all.
 namespace {
 
 constexpr unsigned kPrefetchBytes = 1024;
 
-// The instructions want the earliest word, and a, in the highest lane.
+// The instructions take the earliest word, and a, in the highest lane.
 constexpr int kReverse = _MM_SHUFFLE(0, 1, 2, 3);
 
 __m128i load(const void* bytes) {
@@ -30,13 +29,13 @@ __m128i load_words(const unsigned char* bytes) {
 // W[t] to W[t+3], where the arguments begin with W[t-16], W[t-12], W[t-8] and W[t-4].
 __m128i next_words(__m128i t16, __m128i t12, __m128i t8, __m128i t4) {
     const __m128i older = _mm_xor_si128(_mm_xor_si128(t16, _mm_alignr_epi8(t16, t12, 8)), t8);
-    // What W[t+3] takes from three words before is W[t], the first of the same vector. So it takes
-    // the parts of W[t]: the first word of `older`, and, like W[t] itself, W[t-3].
+    // W[t+3] depends on W[t], which is in the same vector. W[t] is the first word of `older` xor
+    // W[t-3], so the last lane gets both of these in its place.
     const __m128i t3 = _mm_shuffle_epi32(t4, _MM_SHUFFLE(2, 1, 0, 2));
     return _mm_xor_si128(_mm_xor_si128(older, _mm_srli_si128(older, 12)), t3);
 }
 
-// a to d, and the same four rounds earlier, whose a is e but for its rotation.
+// a to d now and four rounds earlier. The earlier a, rotated by 30, is the present e.
 struct WorkingState {
     __m128i abcd, earlier;
 };
@@ -48,7 +47,7 @@ template <unsigned First>
     s.abcd = _mm_sha1rnds4_epu32(s.abcd, words_and_e, First / 20);
 }
 
-// Rounds First to First + 15, forming their words over the last sixteen.
+// Rounds First to First + 15. Replaces the previous sixteen words by those of these rounds.
 template <unsigned First>
 [[gnu::always_inline]] inline void sixteen_rounds(WorkingState& s, __m128i* w) {
     w[0] = next_words(w[0], w[1], w[2], w[3]);
@@ -61,9 +60,9 @@ template <unsigned First>
     four_rounds<First + 12>(s, w[3]);
 }
 
-// Compresses the block whose words are in `w`, which is left with W[64] to W[79].
+// Runs all rounds on the block whose words are in `w`, and leaves W[64] to W[79] there.
 [[gnu::always_inline]] inline WorkingState eighty_rounds(__m128i abcd, __m128i e, __m128i* w) {
-    // The first e comes as it is, not as an earlier a.
+    // The first e is not the rotation of an earlier a, so it is added without sha1nexte.
     WorkingState s = {_mm_sha1rnds4_epu32(abcd, _mm_add_epi32(e, w[0]), 0), abcd};
     four_rounds<4>(s, w[1]);
     four_rounds<8>(s, w[2]);
@@ -77,13 +76,14 @@ template <unsigned First>
 
 }  // namespace
 
-void sha_blocks_shani(HASH_CTX* ctx, const unsigned char* blocks, std::size_t count) {
-    __m128i abcd = _mm_shuffle_epi32(load(ctx->state), kReverse);
-    __m128i e = _mm_set_epi32(static_cast<int>(ctx->state[4]), 0, 0, 0);
+void sha_blocks_shani(std::uint32_t* state, std::uint32_t* schedule, const unsigned char* blocks,
+                      std::size_t count) {
+    __m128i abcd = _mm_shuffle_epi32(load(state), kReverse);
+    __m128i e = _mm_set_epi32(static_cast<int>(state[4]), 0, 0, 0);
     __m128i w[4];
     do {
-        // Volatile puts these, which can wait, into memory; the compiler would put the working
-        // state there, which each block begins with.
+        // volatile spills these two. Otherwise g++ spills the working state, which is on the
+        // critical path.
         const volatile __m128i abcd_before = abcd;
         const volatile __m128i e_before = e;
         _mm_prefetch(reinterpret_cast<const char*>(blocks) + kPrefetchBytes, _MM_HINT_T0);
@@ -93,7 +93,7 @@ void sha_blocks_shani(HASH_CTX* ctx, const unsigned char* blocks, std::size_t co
         abcd = _mm_add_epi32(s.abcd, abcd_before);
         blocks += kShaBlockBytes;
     } while (--count != 0);
-    store_reversed(ctx->state, abcd);
-    ctx->state[4] = static_cast<std::uint32_t>(_mm_extract_epi32(e, 3));
-    for (unsigned k = 0; k < 4; ++k) store_reversed(ctx->data + 4 * k, w[k]);
+    store_reversed(state, abcd);
+    state[4] = static_cast<std::uint32_t>(_mm_extract_epi32(e, 3));
+    for (unsigned k = 0; k < 4; ++k) store_reversed(schedule + 4 * k, w[k]);
 }

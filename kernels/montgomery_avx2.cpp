@@ -64,7 +64,7 @@ Lanes split_digits(const unsigned char* bytes) {
 
 }  // namespace
 
-#include "montgomery_product_lanes.h"
+#include "kernels/montgomery_lanes.inc"
 
 void montgomery_product_avx2(const std::uint16_t* a, const std::uint16_t* b, std::uint16_t* out,
                              const std::uint16_t* m, std::uint16_t mont, int n) {

@@ -1,24 +1,14 @@
-// The Montgomery product limb by limb: one pass that multiplies and one that reduces for each limb
-// of b. The other forms are measured against this one.
+// The Montgomery product limb by limb: for each limb of b one pass that multiplies and one that
+// reduces.
 #include <algorithm>
 
-#include "montgomery_product.h"
-
-namespace {
-
-std::uint16_t low_half(std::uint32_t t) {
-    return static_cast<std::uint16_t>(t);
-}
-std::uint32_t high_half(std::uint32_t t) {
-    return t >> 16;
-}
-
-}  // namespace
+#include "kernels/limbs.h"
+#include "kernels/montgomery_product.h"
 
 std::uint32_t subtract_limbs(std::uint16_t* a, const std::uint16_t* b, int n) {
     std::uint32_t borrow = 0;
     for (int i = 0; i < n; ++i) {
-        // 0 <= 2^16 + a - b - borrow < 2^17: bit 16 is set exactly when nothing is borrowed.
+        // 0 <= 2^16 + a - b - borrow < 2^17, and bit 16 is clear exactly when a borrow occurs.
         const std::uint32_t t = 0x10000 + std::uint32_t{a[i]} - b[i] - borrow;
         a[i] = low_half(t);
         borrow = 1 - high_half(t);
@@ -28,13 +18,13 @@ std::uint32_t subtract_limbs(std::uint16_t* a, const std::uint16_t* b, int n) {
 
 void montgomery_product_plain(const std::uint16_t* a, const std::uint16_t* b, std::uint16_t* out,
                               const std::uint16_t* m, std::uint16_t mont, int n) {
-    // T < a + m < 2R between rounds, so n limbs and one bit; within a round a*b[i] adds less than
-    // 2^16 R, and the second extra limb takes what that carries out of the first.
+    // Between rounds T < a + m < 2R, which is n limbs and one bit. Within a round a*b[i] adds less
+    // than 2^16 R, so T < 2^16 R + 2R, which is n + 1 limbs and one bit.
     std::uint16_t T[kMaxProductLimbs + 2] = {};
     for (int i = 0; i < n; ++i) {
         std::uint32_t carry = 0;
         for (int j = 0; j < n; ++j) {
-            // (2^16-1)^2 + 2(2^16-1) = 2^32-1, so t cannot overflow; nor below.
+            // (2^16-1)^2 + 2(2^16-1) = 2^32-1: t cannot overflow, here and below.
             const std::uint32_t t = std::uint32_t{a[j]} * b[i] + T[j] + carry;
             T[j] = low_half(t);
             carry = high_half(t);
