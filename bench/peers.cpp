@@ -2,10 +2,15 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <stdexcept>
 
 namespace {
+
+constexpr int kMd5 = 1;  // libgcrypt's numbers of the algorithms
+constexpr int kSha1 = 2;
 
 // One loaded library, until the program ends.
 class Library {
@@ -33,10 +38,12 @@ PeerDigest libcrypto_digest(const Library& library, const std::string& name,
     const auto update =
         library.get<int(Any, const void*, std::size_t)>((prefix + "_Update").c_str());
     const auto final = library.get<int(unsigned char*, Any)>((prefix + "_Final").c_str());
-    return {name, [=](const unsigned char* data, std::size_t size, unsigned char* digest) {
+    return {name, [=](const unsigned char* data, std::size_t size, std::size_t piece,
+                      unsigned char* digest) {
                 alignas(16) char context[512];
                 init(context);
-                update(context, data, size);
+                for (std::size_t at = 0; at < size; at += piece)
+                    update(context, data + at, std::min(piece, size - at));
                 final(digest, context);
             }};
 }
@@ -47,10 +54,12 @@ PeerDigest nettle_digest(const Library& library, const std::string& name, unsign
         ("nettle_" + name + "_update").c_str());
     const auto final =
         library.get<void(Any, std::size_t, unsigned char*)>(("nettle_" + name + "_digest").c_str());
-    return {"nettle", [=](const unsigned char* data, std::size_t size, unsigned char* digest) {
+    return {"nettle", [=](const unsigned char* data, std::size_t size, std::size_t piece,
+                          unsigned char* digest) {
                 alignas(16) char context[512];
                 init(context);
-                update(context, size, data);
+                for (std::size_t at = 0; at < size; at += piece)
+                    update(context, std::min(piece, size - at), data + at);
                 final(context, size_of_digest, digest);
             }};
 }
@@ -62,12 +71,23 @@ PeerDigest libgcrypt_digest(const std::string& folder, int algorithm) {
     library.get<const char*(const char*)>("gcry_check_version")(nullptr);
     library.get<int(int, ...)>("gcry_control")(kInitializationFinished, 0);
     const auto hash = library.get<void(int, Any, const void*, std::size_t)>("gcry_md_hash_buffer");
-    return {"libgcrypt", [=](const unsigned char* data, std::size_t size, unsigned char* digest) {
-                hash(algorithm, digest, data, size);
+    Any context = nullptr;
+    library.get<unsigned(Any*, int, unsigned)>("gcry_md_open")(&context, algorithm, 0);
+    const auto reset = library.get<void(Any)>("gcry_md_reset");
+    const auto write = library.get<void(Any, const void*, std::size_t)>("gcry_md_write");
+    const auto read = library.get<const unsigned char*(Any, int)>("gcry_md_read");
+    const std::size_t digest_bytes = algorithm == kMd5 ? 16 : 20;
+    return {"libgcrypt", [=](const unsigned char* data, std::size_t size, std::size_t piece,
+                             unsigned char* digest) {
+                if (piece >= size) return hash(algorithm, digest, data, size);
+                reset(context);
+                for (std::size_t at = 0; at < size; at += piece)
+                    write(context, data + at, std::min(piece, size - at));
+                std::memcpy(digest, read(context, algorithm), digest_bytes);
             }};
 }
 
-// A copy that was told that the processor has no SHA instructions.
+// A second copy of libcrypto, configured for a processor without SHA instructions.
 Library libcrypto_without_sha(const std::string& folder) {
     setenv("OPENSSL_ia32cap", ":~0x20000000", 1);
     Library library(folder, "libcrypto-without-sha.so.3");
@@ -123,11 +143,47 @@ PeerWork gmp_product(const Library& gmp, const std::string& a, const std::string
             }};
 }
 
+PeerInversion libcrypto_inversion(const Library& libcrypto, const std::string& x_hex,
+                                  const std::string& modulus) {
+    const Any context = libcrypto.get<Any()>("BN_CTX_new")();
+    const Any x = big_number(libcrypto, x_hex);
+    const Any m = big_number(libcrypto, modulus);
+    const Any out = big_number(libcrypto, "0");
+    const auto invert = libcrypto.get<Any(Any, Any, Any, Any)>("BN_mod_inverse");
+    const auto to_hex = libcrypto.get<char*(Any)>("BN_bn2hex");
+    const auto run = [=] { invert(out, x, m, context); };
+    return {"libcrypto", run, [=] {
+                run();
+                const std::string digits = to_hex(out);
+                return std::string(modulus.size() - digits.size(), '0') + digits;
+            }};
+}
+
+PeerInversion gmp_inversion(const Library& gmp, const std::string& x_hex,
+                            const std::string& modulus) {
+    const auto number = [&](const std::string& hex) {
+        auto* const z = new GmpNumber;  // until the program ends
+        gmp.get<int(GmpNumber*, const char*, int)>("__gmpz_init_set_str")(z, hex.c_str(), 16);
+        return z;
+    };
+    GmpNumber* const x = number(x_hex);
+    GmpNumber* const m = number(modulus);
+    GmpNumber* const out = number("0");
+    const auto invert =
+        gmp.get<int(GmpNumber*, const GmpNumber*, const GmpNumber*)>("__gmpz_invert");
+    const auto to_hex = gmp.get<char*(char*, int, const GmpNumber*)>("__gmpz_get_str");
+    const auto run = [=] { invert(out, x, m); };
+    return {"gmp", run, [=] {
+                run();
+                const std::string digits = to_hex(nullptr, 16, out);
+                return std::string(modulus.size() - digits.size(), '0') + digits;
+            }};
+}
+
 }  // namespace
 
 std::vector<PeerDigest> Peers::md5() const {
     if (folder_.empty()) return {};
-    constexpr int kMd5 = 1;
     return {libcrypto_digest(Library(folder_, "libcrypto.so.3"), "libcrypto", "MD5"),
             nettle_digest(Library(folder_, "libnettle.so.8"), "md5", 16),
             libgcrypt_digest(folder_, kMd5)};
@@ -135,7 +191,6 @@ std::vector<PeerDigest> Peers::md5() const {
 
 std::vector<PeerDigest> Peers::sha1() const {
     if (folder_.empty()) return {};
-    constexpr int kSha1 = 2;
     return {
         libcrypto_digest(Library(folder_, "libcrypto.so.3"), "libcrypto", "SHA1"),
         libgcrypt_digest(folder_, kSha1),
@@ -170,4 +225,11 @@ std::vector<PeerWork> Peers::product(const std::string& a, const std::string& b,
     if (folder_.empty()) return {};
     return {libcrypto_product(Library(folder_, "libcrypto.so.3"), a, b, modulus),
             gmp_product(Library(folder_, "libgmp.so.10"), a, b, modulus)};
+}
+
+std::vector<PeerInversion> Peers::inversion(const std::string& x,
+                                            const std::string& modulus) const {
+    if (folder_.empty()) return {};
+    return {libcrypto_inversion(Library(folder_, "libcrypto.so.3"), x, modulus),
+            gmp_inversion(Library(folder_, "libgmp.so.10"), x, modulus)};
 }

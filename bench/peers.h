@@ -9,12 +9,25 @@
 
 struct PeerDigest {
     std::string name;
-    std::function<void(const unsigned char* data, std::size_t size, unsigned char* digest)> run;
+    // Digests `size` bytes of `data` in pieces of `piece` bytes. `digest` takes up to 20 bytes.
+    std::function<void(const unsigned char* data, std::size_t size, std::size_t piece,
+                       unsigned char* digest)>
+        run_in_pieces;
+
+    void run(const unsigned char* data, std::size_t size, unsigned char* digest) const {
+        run_in_pieces(data, size, size, digest);
+    }
 };
 
 struct PeerWork {
     std::string name;
     std::function<void()> run;
+};
+
+struct PeerInversion {
+    std::string name;
+    std::function<void()> run;
+    std::function<std::string()> result;  // in hexadecimal, 40 digits
 };
 
 // A DSA domain, key, signature and digest in hexadecimal.
@@ -33,6 +46,9 @@ public:
     // The Montgomery product of two numbers below the odd modulus, all in hexadecimal.
     std::vector<PeerWork> product(const std::string& a, const std::string& b,
                                   const std::string& modulus) const;
+
+    // The inverse of a number modulo an odd prime of 160 bits, both in hexadecimal.
+    std::vector<PeerInversion> inversion(const std::string& x, const std::string& modulus) const;
 
 private:
     std::string folder_;

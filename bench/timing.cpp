@@ -8,7 +8,7 @@
 namespace {
 
 constexpr int kRounds = 31;
-constexpr double kSlice = 1.5e6;  // nanoseconds a contestant gets in a round, or one call
+constexpr double kSlice = 1.5e6;  // nanoseconds a candidate gets in a round, or one call
 
 // The thread's own time, so that other work on the machine counts for less.
 double now() {
@@ -17,16 +17,16 @@ double now() {
     return static_cast<double>(t.tv_sec) * 1e9 + static_cast<double>(t.tv_nsec);
 }
 
-double time_of(const Contestant& contestant, long calls) {
+double time_of(const Candidate& candidate, long calls) {
     const double start = now();
-    for (long i = 0; i < calls; ++i) contestant.run();
+    for (long i = 0; i < calls; ++i) candidate.run();
     return now() - start;
 }
 
 // As many calls as fill a slice.
-long calls_in_slice(const Contestant& contestant) {
+long calls_in_slice(const Candidate& candidate) {
     for (long calls = 1;; calls *= 2) {
-        const double time = time_of(contestant, calls);
+        const double time = time_of(candidate, calls);
         if (time > kSlice / 4)
             return std::max(1L, static_cast<long>(static_cast<double>(calls) * kSlice / time));
     }
@@ -40,25 +40,24 @@ double quantile(std::vector<double> values, double part) {
 
 }  // namespace
 
-void compare(const std::string& kernel, const std::vector<Contestant>& contestants) {
-    const std::size_t count = contestants.size();
+void compare(const std::string& kernel, const std::vector<Candidate>& candidates) {
+    const std::size_t count = candidates.size();
     std::vector<long> calls;
     calls.reserve(count);
-    for (const Contestant& contestant : contestants) calls.push_back(calls_in_slice(contestant));
+    for (const Candidate& candidate : candidates) calls.push_back(calls_in_slice(candidate));
     std::vector<std::vector<double>> times(count);
     for (std::size_t round = 0; round < kRounds; ++round) {
         for (std::size_t i = 0; i < count; ++i) {
             const std::size_t k = (i + round) % count;
-            times[k].push_back(time_of(contestants[k], calls[k]) / static_cast<double>(calls[k]));
+            times[k].push_back(time_of(candidates[k], calls[k]) / static_cast<double>(calls[k]));
         }
     }
     for (std::size_t k = 1; k < count; ++k) {
         std::vector<double> ratios;
         for (std::size_t round = 0; round < kRounds; ++round)
             ratios.push_back(times[k][round] / times[0][round]);
-        std::printf("%-13s %-34s %6.2f  [%.2f..%.2f]\n", kernel.c_str(),
-                    contestants[k].name.c_str(), quantile(ratios, 0.5), quantile(ratios, 0.1),
-                    quantile(ratios, 0.9));
+        std::printf("%-24s %-38s %6.2f  [%.2f..%.2f]\n", kernel.c_str(), candidates[k].name.c_str(),
+                    quantile(ratios, 0.5), quantile(ratios, 0.1), quantile(ratios, 0.9));
     }
     std::fflush(stdout);
 }

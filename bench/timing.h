@@ -1,4 +1,4 @@
-// Contestants for one piece of work, timed side by side.
+// Candidates for one piece of work, timed side by side.
 #ifndef KTBASE_BENCH_TIMING_H
 #define KTBASE_BENCH_TIMING_H
 
@@ -6,14 +6,14 @@
 #include <string>
 #include <vector>
 
-struct Contestant {
+struct Candidate {
     std::string name;
     std::function<void()> run;
 };
 
-// Times the contestants in turn, round after round, and prints for each how many times as long as
+// Times the candidates in turn, round after round, and prints for each how many times as long as
 // the first one it took: the median over the rounds, and the range between the first and the last
 // tenth of them.
-void compare(const std::string& kernel, const std::vector<Contestant>& contestants);
+void compare(const std::string& kernel, const std::vector<Candidate>& candidates);
 
 #endif
