@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 #include "kernels/kernels.h"
 
@@ -33,20 +34,51 @@ void compress_data(HASH_CTX* ctx) {
     compress(ctx, reinterpret_cast<const unsigned char*>(ctx->data), 1);
 }
 
-void absorb_byte(HASH_CTX* ctx, unsigned char byte) {
-    // Only a record that is not absorbing has an index above 15; its digest is unspecified, but
-    // nothing outside `data` is written for it.
-    std::uint32_t& word = ctx->data[ctx->index % kShaBlockWords];
-    word = word << 8 | byte;
-    if (--ctx->left != 0) return;
-    ctx->left = kWordBytes;
+// Moves on to the next word, and compresses the block after its last word.
+void end_word(HASH_CTX* ctx) {
     if (++ctx->index < kShaBlockWords) return;
     compress_data(ctx);
     ctx->index = 0;
 }
 
-bool at_block_border(const HASH_CTX* ctx) {
-    return ctx->index == 0 && ctx->left == kWordBytes;
+void absorb_byte(HASH_CTX* ctx, unsigned char byte) {
+    // Only a record that is not absorbing has an index above 15. Its digest is unspecified, but
+    // nothing outside `data` may be written.
+    std::uint32_t& word = ctx->data[ctx->index % kShaBlockWords];
+    word = word << 8 | byte;
+    if (--ctx->left != 0) return;
+    ctx->left = kWordBytes;
+    end_word(ctx);
+}
+
+std::uint32_t big_endian_word(const unsigned char* bytes) {
+    std::uint32_t word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    return __builtin_bswap32(word);
+}
+
+// Absorbs whole words up to the end of the block, at the start of a word. Returns their bytes. Four
+// bytes replace all bits of a word, so the record is the same as after absorbing single bytes.
+unsigned absorb_words(HASH_CTX* ctx, const unsigned char* bytes, unsigned length) {
+    const unsigned words = std::min(length / kWordBytes, kShaBlockWords - ctx->index);
+    std::uint32_t* const data = ctx->data + ctx->index;
+    for (unsigned i = 0; i < words; ++i) data[i] = big_endian_word(bytes + kWordBytes * i);
+    ctx->index += words - 1;
+    end_word(ctx);
+    return words * kWordBytes;
+}
+
+// Absorbs some bytes, at least one, and returns their number.
+unsigned absorb_some(HASH_CTX* ctx, const unsigned char* bytes, unsigned length) {
+    const bool at_word_start = ctx->left == kWordBytes && ctx->index < kShaBlockWords;
+    if (!at_word_start || length < kWordBytes) {
+        absorb_byte(ctx, *bytes);
+        return 1;
+    }
+    if (ctx->index != 0 || length < kShaBlockBytes) return absorb_words(ctx, bytes, length);
+    const unsigned blocks = length / kShaBlockBytes;
+    compress(ctx, bytes, blocks);
+    return blocks * kShaBlockBytes;
 }
 
 }  // namespace
@@ -60,19 +92,11 @@ void InitHash(HASH_CTX* ctx) {
 }
 
 void HashBuf(unsigned char* buffer, unsigned length, HASH_CTX* ctx) {
-    if (length == 0) return;
     ctx->count += length;
     while (length != 0) {
-        if (length >= kShaBlockBytes && at_block_border(ctx)) {
-            // Whole blocks leave the record as their bytes one by one would.
-            const unsigned blocks = length / kShaBlockBytes;
-            compress(ctx, buffer, blocks);
-            buffer += blocks * kShaBlockBytes;
-            length %= kShaBlockBytes;
-        } else {
-            absorb_byte(ctx, *buffer++);
-            --length;
-        }
+        const unsigned absorbed = absorb_some(ctx, buffer, length);
+        buffer += absorbed;
+        length -= absorbed;
     }
 }
 
