@@ -1,147 +1,215 @@
-// The inverse modulo the built-in q: an extended Euclidean algorithm in base 256.
-#include "domain_parameters.h"
-
+// The inverse modulo the built-in q: the extended Euclidean algorithm with Lehmer's steps.
+//
+// For remainders a > b and their cofactors ua and ub, every step keeps
+//     b = sign*ub*x and a = -sign*ua*x (mod q)    and    a*ub + b*ua = q.
+// All four numbers are non-negative, so the second equation bounds the cofactors: ua, ub <= q.
+// Every step makes a + b smaller, so the loop ends. q is prime, so the remainders reach 1, and then
+// sign*ub is the inverse.
 #include <algorithm>
+#include <bit>
 #include <utility>
+
+#include "domain_parameters.h"
+#include "kernels/limbs.h"
 
 namespace {
 
-constexpr int kDigits = kBytesQ + 1;  // the last one takes what a multiply-subtract carries
+// A remainder or a cofactor. The limbs from `size` on are zero, and limb[size - 1] is not.
+struct Unsigned160 {
+    std::uint16_t limb[kLimbsQ] = {};
+    int size = 0;
 
-// A number in base 256, least significant digit first.
-struct Number {
-    unsigned char digit[kDigits] = {};
-    int top = 0;  // index of the highest digit that is not zero
-
-    void find_top() {
-        top = kDigits - 1;
-        while (top > 0 && digit[top] == 0) --top;
+    void trim(int limbs) {
+        size = limbs;
+        while (size > 0 && limb[size - 1] == 0) --size;
     }
-    bool is_one() const { return top == 0 && digit[0] == 1; }
-    // The two highest digits as one number.
-    unsigned head() const { return 256U * digit[top] + digit[top - 1]; }
+    bool is_one() const { return size == 1 && limb[0] == 1; }
+    // Limbs `top` (upper half) and `top` - 1. Limbs below 0 count as zero.
+    std::uint32_t two_limbs(int top) const {
+        return std::uint32_t{limb[top]} << 16 | (top > 0 ? limb[top - 1] : 0U);
+    }
 };
 
-bool is_zero(const Number& a) {
-    return a.top == 0 && a.digit[0] == 0;
+// Returns f*a - g*b. Requires a result from 0 to 2^160 - 1, and f, g <= 0xFFFF.
+Unsigned160 difference(std::uint32_t f, const Unsigned160& a, std::uint32_t g,
+                       const Unsigned160& b) {
+    const int size = std::max(a.size, b.size);
+    Unsigned160 result;
+    std::uint32_t carry_a = 0;
+    std::uint32_t carry_b = 0;
+    std::uint32_t borrow = 0;
+    for (int i = 0; i < size; ++i) {
+        // (2^16-1)^2 + (2^16-1) < 2^32: neither product overflows with its carry.
+        const std::uint32_t product_a = f * a.limb[i] + carry_a;
+        const std::uint32_t product_b = g * b.limb[i] + carry_b;
+        const std::uint32_t t = 0x10000U + low_half(product_a) - low_half(product_b) - borrow;
+        result.limb[i] = low_half(t);
+        borrow = 1 - high_half(t);
+        carry_a = high_half(product_a);
+        carry_b = high_half(product_b);
+    }
+    result.trim(size);
+    return result;
 }
 
-bool less(const Number& a, const Number& b) {
-    if (a.top != b.top) return a.top < b.top;
-    return std::lexicographical_compare(
-        std::make_reverse_iterator(a.digit + a.top + 1), std::make_reverse_iterator(a.digit),
-        std::make_reverse_iterator(b.digit + b.top + 1), std::make_reverse_iterator(b.digit));
+// Returns f*a + g*b. Requires a result below 2^160, and f + g <= 0x10000.
+Unsigned160 sum(std::uint32_t f, const Unsigned160& a, std::uint32_t g, const Unsigned160& b) {
+    const int size = std::min<int>(std::max(a.size, b.size) + 1, kLimbsQ);
+    Unsigned160 result;
+    std::uint32_t carry = 0;
+    for (int i = 0; i < size; ++i) {
+        // At most 2^16 (2^16-1) + (2^16-1) = 2^32-1.
+        const std::uint32_t t = f * a.limb[i] + g * b.limb[i] + carry;
+        result.limb[i] = low_half(t);
+        carry = high_half(t);
+    }
+    result.trim(size);
+    return result;
 }
 
-// One digit of a quotient: the factor times 256^shift.
+// Several steps of Euclid's algorithm at once. Counted from the remainders R0 = a and R1 = b, they
+// lead to R[i] = |x1*a - y1*b| and R[i+1] = |x2*a - y2*b|. The sign of x*a - y*b is positive for an
+// even index.
+struct Steps {
+    std::uint32_t x1 = 1, y1 = 0;
+    std::uint32_t x2 = 0, y2 = 1;
+    bool second_is_even = false;  // i + 1 is even
+};
+
+constexpr std::uint32_t kMaxFactor = 0xFFFF;
+
+// Finds steps from the heads of a and b: the 32 bits of each below the highest bit of a. Takes a
+// step only where the heads prove that a and b take it, too. Keeps x2 + y2 <= kMaxFactor.
+Steps find_steps(std::uint32_t head_a, std::uint32_t head_b) {
+    Steps s;
+    std::uint32_t r1 = head_a;
+    std::uint32_t r2 = head_b;
+    while (r2 != 0) {
+        const std::uint32_t quotient = r1 / r2;
+        if (quotient > kMaxFactor) break;
+        const std::uint32_t rest = r1 - quotient * r2;
+        // Below 2^32: quotient, x2 and y2 have at most 16 bits.
+        const std::uint32_t x = s.x1 + quotient * s.x2;
+        const std::uint32_t y = s.y1 + quotient * s.y2;
+        if (x > kMaxFactor || y > kMaxFactor - x) break;
+        // Jebelean's condition. In units of the heads' lowest bit, the true remainder is above
+        // rest - y and below rest + x where its index is even, and above rest - x and below rest +
+        // y where its index is odd. The first comparison proves that the true remainder is
+        // positive, the second one that it is less than the remainder before it.
+        const bool rest_is_even = !s.second_is_even;
+        const std::uint32_t least_rest = rest_is_even ? y : x;
+        const std::uint32_t least_gap = rest_is_even ? x + s.x2 : y + s.y2;
+        if (rest < least_rest || r2 - rest < least_gap) break;
+        s = {s.x2, s.y2, x, y, rest_is_even};
+        r1 = r2;
+        r2 = rest;
+    }
+    return s;
+}
+
+// One quotient of a by b * 2^(16*shift). It may be too small, and is at least 1.
 struct Quotient {
-    unsigned factor;
+    std::uint32_t factor;
     int shift;
 };
 
-// Estimates the leading digit of a/b from the highest digits of both, for a > b > 1. The estimate
-// is from 1 to 255 and may be off; subtract_multiple corrects one that is too large, and another
-// division step makes up for one that is too small.
-Quotient estimate(const Number& a, const Number& b) {
-    if (b.top == 0) {
-        const unsigned divisor = b.digit[0];
-        if (a.digit[a.top] >= divisor) return {a.digit[a.top] / divisor, a.top};
-        return {a.head() / divisor, a.top - 1};
+// Requires a > b > 0.
+Quotient underestimate(const Unsigned160& a, const Unsigned160& b) {
+    const std::uint32_t dividend = a.two_limbs(a.size - 1);
+    if (a.size > b.size) {
+        // With this shift b has one limb less than a. So b * 2^(16*shift) is below
+        // divisor * 2^(16*(a.size-2)), and a is at least dividend * 2^(16*(a.size-2)). The divisor
+        // is at most 2^16 and the dividend at least 2^16, so the factor is at least 1.
+        const std::uint32_t divisor = b.limb[b.size - 1] + 1U;
+        return {std::min(dividend / divisor, kMaxFactor), a.size - b.size - 1};
     }
-    const unsigned dividend = a.head();
-    const unsigned divisor = b.head();
-    const int shift = a.top - b.top;
-    if (dividend > divisor) return {dividend / divisor, shift};
-    // Equal or smaller heads at one length would make a <= b, but for the equal heads of the last
-    // case.
-    if (dividend < divisor) return {(256 * dividend + a.digit[a.top - 2]) / divisor, shift - 1};
-    if (shift > 0) return {255, shift - 1};
-    return {1, 0};
+    // The same with two limbs of each, where the increment must not overflow. The factor is below
+    // 2^16, because both top limbs are not zero. a > b, so 1 is never too large.
+    const std::uint32_t divisor = b.two_limbs(b.size - 1);
+    if (divisor == dividend) return {1, 0};
+    return {std::max<std::uint32_t>(dividend / (divisor + 1), 1), 0};
 }
 
-// a -= b * factor * 256^shift, with the factor lowered until the difference is not negative.
-// Returns the factor that was used.
-unsigned subtract_multiple(Number& a, const Number& b, Quotient quotient) {
-    unsigned char* const window = a.digit + quotient.shift;
-    const int size = b.top + 1;
-    // At most 255*255 + 255 + 1: a product, its carry and a borrow stay far below 2^32.
-    unsigned carry = 0;
-    for (int j = 0; j < size; ++j) {
-        const unsigned t = quotient.factor * b.digit[j] + carry;
-        const unsigned difference = window[j] - (t & 0xFF);
-        window[j] = static_cast<unsigned char>(difference);
-        carry = (t >> 8) + (difference >> 31);
+Unsigned160 shifted(const Unsigned160& a, int limbs) {
+    Unsigned160 result;
+    std::copy_n(a.limb, a.size, result.limb + limbs);
+    result.size = a.size + limbs;
+    return result;
+}
+
+struct Euclid {
+    Unsigned160 a, b;
+    Unsigned160 ua, ub;
+    bool positive = true;  // the sign
+
+    void apply(const Steps& s) {
+        Unsigned160 first =
+            s.second_is_even ? difference(s.y1, b, s.x1, a) : difference(s.x1, a, s.y1, b);
+        b = s.second_is_even ? difference(s.x2, a, s.y2, b) : difference(s.y2, b, s.x2, a);
+        a = first;
+        first = sum(s.x1, ua, s.y1, ub);
+        ub = sum(s.x2, ua, s.y2, ub);
+        ua = first;
+        if (s.second_is_even) positive = !positive;
     }
-    const bool underflow = window[size] < carry;
-    window[size] = static_cast<unsigned char>(window[size] - carry);
-    for (bool negative = underflow; negative;) {
-        --quotient.factor;
-        carry = 0;
-        for (int j = 0; j <= size; ++j) {
-            const unsigned t = window[j] + carry + (j < size ? b.digit[j] : 0U);
-            window[j] = static_cast<unsigned char>(t);
-            carry = t >> 8;
+
+    // Subtracts one multiple of b from a. `shifted` cannot overflow: b * 2^(16*shift) <= a, and
+    // ub * 2^(16*shift) is at most the new ua.
+    void subtract_multiple() {
+        const Quotient q = underestimate(a, b);
+        a = difference(1, a, q.factor, shifted(b, q.shift));
+        ua = sum(1, ua, q.factor, shifted(ub, q.shift));
+        if (less_limbs(a.limb, b.limb, kLimbsQ)) {
+            std::swap(a, b);
+            std::swap(ua, ub);
+            positive = !positive;
         }
-        negative = carry == 0;  // a carry out takes the difference back above zero
     }
-    a.find_top();
-    return quotient.factor;
+};
+
+// The 32 bits of `number` that begin `shift` bits below the top of limb `top`.
+std::uint32_t head(const Unsigned160& number, int top, int shift) {
+    const std::uint32_t below = top > 1 ? number.limb[top - 2] : 0U;
+    return number.two_limbs(top) << shift | below >> (16 - shift);
 }
 
-// a += b * factor * 256^shift. The sum is a cofactor, below 2^160, so neither the digits of b nor
-// the carry lead beyond the last digit of a.
-void add_multiple(Number& a, const Number& b, Quotient quotient) {
-    unsigned carry = 0;
-    for (int j = 0; j <= b.top || carry != 0; ++j) {
-        const unsigned t = quotient.factor * b.digit[j] + a.digit[quotient.shift + j] + carry;
-        a.digit[quotient.shift + j] = static_cast<unsigned char>(t);
-        carry = t >> 8;
+void run(Euclid& e) {
+    while (!e.b.is_one()) {
+        const int top = e.a.size - 1;
+        const int shift = std::countl_zero(e.a.limb[top]);
+        const Steps steps = find_steps(head(e.a, top, shift), head(e.b, top, shift));
+        if (steps.x2 != 0)
+            e.apply(steps);
+        else
+            e.subtract_multiple();
     }
-    a.find_top();
 }
 
-Number modulus() {
-    Number q;
-    unpackLAN(read_only(DsaQ), q.digit, kBytesQ);
-    q.find_top();
+Unsigned160 from_bytes(unsigned char* bytes) {
+    Unsigned160 number;
+    packLAN(bytes, number.limb, kBytesQ);
+    number.trim(kLimbsQ);
+    return number;
+}
+
+Unsigned160 modulus() {
+    Unsigned160 q;
+    std::copy_n(DsaQ, kLimbsQ, q.limb);
+    q.size = kLimbsQ;  // the top bit of q is set
     return q;
 }
 
 }  // namespace
 
 void invertLAN(unsigned char* x, unsigned short* out) {
-    Number a = modulus();
-    Number b;
-    std::copy_n(x, kBytesQ, b.digit);
-    b.find_top();
-    if (!less(b, a)) subtract_multiple(b, modulus(), {1, 0});  // x < 2^160 <= 2q: once is enough
-    if (is_zero(b)) {
+    Euclid e = {.a = modulus(), .b = from_bytes(x), .ua = {}, .ub = {.limb = {1}, .size = 1}};
+    if (!less_limbs(e.b.limb, e.a.limb, kLimbsQ))
+        e.b = difference(1, e.b, 1, e.a);  // x < 2^160 <= 2q: once is enough
+    if (e.b.size == 0) {
         std::fill_n(out, kLimbsQ, static_cast<unsigned short>(0));
         return;
     }
-
-    // Invariant: b = sign*cofactor_b*x and a = -sign*cofactor_a*x (mod q), with a > b before every
-    // step. The pairs end at b = 1, because q is prime.
-    Number cofactor_a;
-    Number cofactor_b;
-    cofactor_b.digit[0] = 1;
-    bool positive = true;
-    while (!b.is_one()) {
-        Quotient quotient = estimate(a, b);
-        quotient.factor = subtract_multiple(a, b, quotient);
-        add_multiple(cofactor_a, cofactor_b, quotient);
-        if (!less(a, b)) continue;
-        std::swap(a, b);
-        std::swap(cofactor_a, cofactor_b);
-        positive = !positive;
-    }
-
-    if (positive) {
-        packLAN(cofactor_b.digit, out, kBytesQ);
-        return;
-    }
-    unsigned short negated[kLimbsQ];
-    packLAN(cofactor_b.digit, negated, kBytesQ);
-    std::copy_n(DsaQ, kLimbsQ, out);
-    subtLAN(out, negated, kLimbsQ);
+    run(e);
+    const Unsigned160 inverse = e.positive ? e.ub : difference(1, modulus(), 1, e.ub);
+    std::copy_n(inverse.limb, kLimbsQ, out);
 }

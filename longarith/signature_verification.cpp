@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "kernels/limbs.h"
+
 namespace {
 
 constexpr int kValid = 0;
@@ -10,11 +12,8 @@ constexpr int kIsZero = 0x707;
 constexpr int kOutOfRange = 0x7707;
 constexpr int kNoMatch = 0xF0F;
 
-// True when the number of kLimbsQ limbs is q or more.
 bool reaches_q(const unsigned short* a) {
-    for (int i = kLimbsQ - 1; i >= 0; --i)
-        if (a[i] != DsaQ[i]) return a[i] > DsaQ[i];
-    return true;
+    return !less_limbs(a, DsaQ, kLimbsQ);
 }
 
 // Reads r or s from the signature and judges its range.
@@ -49,12 +48,15 @@ void make_exponent(const unsigned short* w, const unsigned short* factor, unsign
     unpackLAN(product, exponent, kBytesQ);
 }
 
-// Takes a number in Montgomery form modulo p to its residue below p, and that to its residue
-// below q, in the low limbs.
+// Replaces x, in Montgomery form modulo p, by its residue modulo p, and that by its residue modulo
+// q in the low limbs.
 void reduce_to_q(unsigned short* x) {
-    privLAN(x, read_only(DsaP), DsaMontP, kLimbsP, kLimbsP, kLimbsP);
-    // 32 limb steps fold x to at most q, with a factor 2^-512 that DsaFoldQ cancels along with the
-    // product's own 2^-160; the product is below 2q.
+    // The product by 1 is (x + U*p) / 2^512, for the U that makes the division exact. That is what
+    // kLimbsP steps of privLAN compute. It is at most p, so the product subtracts nothing.
+    static constexpr unsigned short kOne[kLimbsP] = {1};
+    multiply_mod_p(x, kOne);
+    // kLimbsP steps reduce x to at most q, with a factor of 2^-512. The product by 2^672 cancels
+    // this factor and its own 2^-160. The result is below 2q.
     privLAN(x, read_only(DsaQ), DsaMontQ, kLimbsP, kLimbsQ, kLimbsP);
     multiply_mod_q(x, DsaFoldQ);
     if (reaches_q(x)) subtLAN(x, read_only(DsaQ), kLimbsQ);
@@ -82,9 +84,8 @@ int CheckSignature(unsigned char* key, unsigned char* signature, HASH_CTX* diges
     unsigned short w[kLimbsQ];
     invertLAN(signature + kBytesQ, w);
 
-    unsigned short message[kLimbsQ];
-    for (int i = 0; i < kLimbsQ; ++i)
-        message[i] = static_cast<unsigned short>(digest->state[i / 2] >> (i % 2 * 16));
+    unsigned short message[kLimbsQ];  // the digest integer
+    packLAN(reinterpret_cast<unsigned char*>(digest->state), message, kBytesQ);
     unsigned char u1[kBytesQ];
     unsigned char u2[kBytesQ];
     make_exponent(w, message, u1);

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "../domain_shape.h"
+#include "kernels/limbs.h"
 
 namespace {
 
@@ -21,7 +22,7 @@ bool test_bit(const Limbs& a, int position) {
     return (a[position / kLimbBits] >> position % kLimbBits & 1) != 0;
 }
 bool less(const Limbs& a, const Limbs& b) {
-    return std::lexicographical_compare(a.rbegin(), a.rend(), b.rbegin(), b.rend());
+    return less_limbs(a.data(), b.data(), static_cast<int>(a.size()));
 }
 Limbs number(unsigned short value, std::size_t limbs) {
     Limbs a(limbs);
