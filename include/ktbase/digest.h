@@ -29,8 +29,8 @@ struct HASH_CTX {
 
 extern "C" {
 
-// A record in static storage, for callers that need one. It is all zero at load, which is the state
-// unset. The library never accesses it.
+// A record in static storage, for callers that need one. It is all zero at load, and so unset: call
+// InitHash first. The library never accesses it.
 extern HASH_CTX Hash;
 
 // Starts a digest in `ctx`. The record may be in any state.

@@ -1,9 +1,9 @@
 // Arithmetic on vectors of 16-bit limbs, and verification of DSA signatures (FIPS 186) in the
 // domain that is built into the library. The header requires C++11.
 //
-// Numbers: a number is an array of unsigned 16-bit limbs, least significant limb first. An argument
-// points to limb 0. The count of limbs is another argument, or fixed by the function. As a byte
-// string a number is little-endian: limb i is bytes 2i (low half) and 2i+1 (high half).
+// Numbers: a number is an array of unsigned 16-bit limbs, least significant limb first. It is
+// passed as a pointer to limb 0. The count of limbs is another argument, or fixed by the function.
+// As a byte string a number is little-endian: limb i is bytes 2i (low half) and 2i+1 (high half).
 //
 // Montgomery form: a modulus m is an odd number of n limbs, and R = 2^(16n). The Montgomery
 // constant of m is m' = -1/m mod 2^16. The Montgomery form of x is x*R mod m.
@@ -104,7 +104,7 @@ int CheckBufferSign(unsigned char* buffer, long length, unsigned char* key,
                     unsigned char* signature);
 
 // Verifies the signature over the message whose finished digest is in `digest`. Only the five words
-// of digest->state are read. Checks r before s. Returns
+// of digest->state are read. r is checked first, and s only if r is in range. Returns
 //   0       if the signature is valid;
 //   0x707   if r or s is zero;
 //   0x7707  if r or s is q or more;

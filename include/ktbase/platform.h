@@ -15,8 +15,8 @@
 //
 // Threads: nothing is locked. The open-file count, the process locale (which is "C" during an
 // enumeration), libc's shared local-time record, pCmdLine and the other exported globals are
-// process-wide. A host must do the following one at a time: call KtOpenFile, KtCloseFile, a
-// function of an enumeration, KtTimeToLocalDate or a constructor of KtCmdLine; set an exported
+// process-wide. A host must serialize its calls of KtOpenFile, KtCloseFile, the functions of an
+// enumeration, KtTimeToLocalDate and the constructors of KtCmdLine, and its changes of an exported
 // global. All other functions are reentrant.
 #ifndef KTBASE_PLATFORM_H
 #define KTBASE_PLATFORM_H
@@ -86,8 +86,8 @@ int KtCloseFile(KtFileHandle file);
 // ---- File attributes --------------------------------------------------------------------------
 
 // The st_mode word of a path as the status query reports it, or -1 if it is not known. The field
-// S_IFMT (0xF000) is the type: 0x4000 is a directory, 0xA000 a symbolic link. The permission bits
-// are below it.
+// S_IFMT (0xF000) is the type: 0x4000 is a directory, 0xA000 a symbolic link. The low 12 bits are
+// the set-ID, sticky and permission bits.
 using KtFileAttributes = std::int32_t;
 
 // Selects the attributes that functions report for a symbolic link: those of the link's target if
@@ -173,17 +173,17 @@ public:
     // Returns `lastName`, and builds it first if it is null. Returns null if there is no memory.
     const char* getLastName();
 
-    dirent64* entry = nullptr;     // the record of the stream; invalid after the next read
+    dirent64* entry = nullptr;     // the stream's record, valid until the next entry is current
     char* oldLocale = nullptr;     // name of the locale to restore, from strdup; null if none
     char* lastName = nullptr;      // directory, "/" and the entry's name; null if not built
     char* mask = nullptr;          // the wildcard mask
     std::uint32_t maskLen = 0;     // length of `mask` plus 1
     char* dir = nullptr;           // the directory
     std::uint32_t dirLen = 0;      // length of `dir` plus 1, but 2 for the "./" of a bare mask
-    std::int32_t isLink = 0;       // 1 if the entry is a symbolic link
+    std::int32_t isLink = 0;       // 1 if the entry is a symbolic link and `attr` is known
     std::int32_t size = -1;        // in bytes, of a link's target if followed; -1 if not known
     std::int32_t attr = -1;        // attributes of the entry itself; -1 if not known
-    std::int32_t targetAttr = -1;  // attributes of a link's target; `attr` if there is none
+    std::int32_t targetAttr = -1;  // of a link's target if followed, else equal to `attr`
     std::int32_t error = 0;        // 0, or why the entry's attributes or name are not all known
 };
 
@@ -204,8 +204,8 @@ KtFindHandle KtFindFirst(const char* pattern, Dirent** found);
 // Makes the next matching entry current. Does not skip "." and "..". Returns 0.
 // Returns -1 at the end of the directory, with errno unchanged, or if the directory cannot be read,
 // with errno set. The enumeration is then released: neither handle nor Dirent may be used again.
-// Returns -1 with errno unchanged for invalid arguments. With a null handle, deletes `found`. With
-// the handle -1, or with a null `found`, releases nothing.
+// Invalid arguments return -1 with errno unchanged: the null handle, for which `found` is deleted;
+// the handle -1 and a null `found`, for which nothing is released.
 int KtFindNext(KtFindHandle find, Dirent* found);
 
 // Returns 0 and releases nothing. Only KtFindNext ends an enumeration.
@@ -323,8 +323,8 @@ public:
     KtCmdLine& operator=(const KtCmdLine&) = delete;
 
     // Splits `text`, from position 0, into words in place. Sets argv[0] to the path text (position
-    // 1), the following entries to the words, and `argc` to the count of both. The words point into
-    // `text`. No null follows the last word. Returns 0.
+    // 1), the following entries to the words, and `argc` to the count of these entries. All of them
+    // point into `text`. No null entry follows the last word. Returns 0.
     // Words are separated by spaces (0x20 alone). The first `"` of a word is removed, and spaces
     // after it belong to the word. The second `"` ends the word; without it, the word extends to
     // the end of the text. Two quotes in a row make an empty word. There is no escape character.
@@ -332,11 +332,11 @@ public:
     int ParseCmdLine();
 
     // Writes the full path of `name` to `out`. Returns `out`. Writes nothing if `name` or `out` is
-    // null. The form of `name` decides:
+    // null. The first form that `name` has decides:
     //   \\server...   `name`, with every "/" replaced by a backslash
-    //   X:...        the same, for any first character
     //   \...         the path text before its first backslash, then `name` unchanged
     //   empty        the empty text
+    //   X:...        `name`, with every "/" replaced by a backslash; X is any character
     //   other        the path text up to and with its last backslash, then `name` unchanged;
     //                without a backslash in the path text, `name`, with every "/" replaced by a
     //                backslash
@@ -344,8 +344,9 @@ public:
     // object.
     char* MakeFullPath(const char* name, char* out);
 
-    // Position 0 is where ParseCmdLine starts. Positions 1 to 4,096 are the path text. Words that
-    // the host stores for ParseCmdLine overlap the path text. The last position is always NUL.
+    // Position 0 is where ParseCmdLine starts. Positions 1 to 4,096 are the path text. A text that
+    // the host stores from position 0 on, to be split, overwrites the path text. The last position
+    // is always NUL.
     char text[4098];
     std::int32_t argc;  // entries of `argv` in use, the program's path included
     char** argv;        // the caller's table, or the default one

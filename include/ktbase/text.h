@@ -100,12 +100,13 @@ int KsStrncasecmp(const std::string& a, const char* b, unsigned int n);
 // ---- Copying and editing standard strings -----------------------------------------------------
 
 // Source and destination of a copy may overlap. A copy into an array allocates nothing. A copy into
-// a standard string allocates only if the text exceeds the destination's capacity; KsStrncpy from a
-// C string also copies the whole source to a temporary string first. If there is no memory,
-// std::bad_alloc is thrown and the destination keeps its text.
+// a standard string allocates only if the text exceeds the destination's capacity. KsStrncpy from a
+// C string first copies the whole source to a temporary string, which allocates if the source has
+// more than 15 bytes. If there is no memory, std::bad_alloc is thrown and the destination keeps its
+// text.
 
 // Copies the whole source, NULs inside it included. An array receives a NUL after the text. Nothing
-// is written to a null array. A null source is the empty string.
+// is written to a null array. A null C string is the empty string.
 // An array must have room for source.size() + 1 bytes.
 void KsStrcpy(char* destination, const std::string& source);
 void KsStrcpy(std::string& destination, const char* source);
@@ -113,7 +114,7 @@ void KsStrcpy(std::string& destination, const std::string& source);
 
 // Copies the first `n` bytes of the source, or the whole source if it is shorter. An array receives
 // exactly `n` bytes: NULs follow a shorter source, and no NUL follows a source of `n` bytes or
-// more. Nothing is written to a null array. A null source throws std::logic_error, for `n` 0 as
+// more. Nothing is written to a null array. A null C string throws std::logic_error, for `n` 0 as
 // well; the destination then keeps its text.
 // An array must have room for `n` bytes.
 void KsStrncpy(std::string& destination, const char* source, unsigned int n);
