@@ -107,27 +107,36 @@ Steps find_steps(std::uint32_t head_a, std::uint32_t head_b) {
     return s;
 }
 
-// One quotient of a by b * 2^(16*shift). It may be too small, and is at least 1.
+// The 32 bits of `number` that begin `shift` bits below the top of limb `top`.
+std::uint32_t head(const Unsigned160& number, int top, int shift) {
+    const std::uint32_t below = top > 1 ? number.limb[top - 2] : 0U;
+    return number.two_limbs(top) << shift | below >> (16 - shift);
+}
+
+// A part of the quotient of a by b: factor * 2^(16*shift).
 struct Quotient {
-    std::uint32_t factor;
+    std::uint32_t factor;  // from 1 to kMaxFactor
     int shift;
 };
 
-// Requires a > b > 0.
+// Returns a part that is not above the quotient. Requires a > b > 0.
 Quotient underestimate(const Unsigned160& a, const Unsigned160& b) {
-    const std::uint32_t dividend = a.two_limbs(a.size - 1);
-    if (a.size > b.size) {
-        // With this shift b has one limb less than a. So b * 2^(16*shift) is below
-        // divisor * 2^(16*(a.size-2)), and a is at least dividend * 2^(16*(a.size-2)). The divisor
-        // is at most 2^16 and the dividend at least 2^16, so the factor is at least 1.
-        const std::uint32_t divisor = b.limb[b.size - 1] + 1U;
-        return {std::min(dividend / divisor, kMaxFactor), a.size - b.size - 1};
+    // Both numbers are taken shifted up by the leading zeros of b. Then the top limb of b is
+    // divisor - 1, from 2^15 to 2^16 - 1, and a may have a limb more.
+    const int top_a = a.size - 1;
+    const int top_b = b.size - 1;
+    const int shift = std::countl_zero(b.limb[top_b]);
+    const std::uint32_t divisor = high_half(head(b, top_b, shift)) + 1;
+    const std::uint32_t extra_limb = std::uint32_t{a.limb[top_a]} >> (16 - shift);
+    const std::uint32_t next_limbs = head(a, top_a, shift);
+    if (extra_limb == 0 && a.size > b.size) {
+        // next_limbs >= 2^16 >= divisor, so the factor is at least 1.
+        return {std::min(next_limbs / divisor, kMaxFactor), a.size - b.size - 1};
     }
-    // The same with two limbs of each, where the increment must not overflow. The factor is below
-    // 2^16, because both top limbs are not zero. a > b, so 1 is never too large.
-    const std::uint32_t divisor = b.two_limbs(b.size - 1);
-    if (divisor == dividend) return {1, 0};
-    return {std::max<std::uint32_t>(dividend / (divisor + 1), 1), 0};
+    const std::uint32_t dividend = extra_limb << 16 | high_half(next_limbs);
+    // The factor is 0 only where a has no extra limb. Then a and b have the same size, and a > b
+    // allows the factor 1.
+    return {std::clamp(dividend / divisor, std::uint32_t{1}, kMaxFactor), a.size - b.size};
 }
 
 Unsigned160 shifted(const Unsigned160& a, int limbs) {
@@ -166,12 +175,6 @@ struct Euclid {
         }
     }
 };
-
-// The 32 bits of `number` that begin `shift` bits below the top of limb `top`.
-std::uint32_t head(const Unsigned160& number, int top, int shift) {
-    const std::uint32_t below = top > 1 ? number.limb[top - 2] : 0U;
-    return number.two_limbs(top) << shift | below >> (16 - shift);
-}
 
 void run(Euclid& e) {
     while (!e.b.is_one()) {
