@@ -16,8 +16,8 @@ constexpr char kSeparator = '\\';
 constexpr std::size_t kPathStart = 1;
 constexpr std::size_t kPathSize = 4096;
 
-// A word takes two characters of the 4,097 before the last NUL, with the space or the quote that
-// ends it; the last one may do with one. argv[0] comes on top.
+// A word occupies at least two of the 4,097 characters before the last NUL: one of its own and the
+// space or quote that ends it. The last word needs no end. argv[0] takes one entry more.
 constexpr std::size_t kDefaultTableSize = (sizeof(KtCmdLine::text) - 1 + 1) / 2 + 1;
 char* default_table[kDefaultTableSize];
 
@@ -36,14 +36,14 @@ char* join(char* out, const char* prefix, std::size_t length, const char* name) 
     return out;
 }
 
-// Turns the spaces at `p` into NULs and returns the character behind them.
+// Replaces the spaces at `p` by NULs and returns the first character after them.
 char* clear_spaces(char* p) {
     while (*p == ' ') *p++ = '\0';
     return p;
 }
 
-// Finds the end of the word at `p`, takes its opening quote out of the text and its closing quote
-// for its end. Returns where the next word is looked for.
+// Finds the end of the word at `p`. Removes an opening quote from the text and replaces the closing
+// quote by a NUL. Returns the position after the word.
 char* scan_word(char* p) {
     bool quoted = false;
     while (*p != '\0' && (quoted || *p != ' ')) {

@@ -11,23 +11,23 @@ namespace {
 
 constexpr char kSeparator = '\\';
 
-struct FreeKeepingErrno {
+struct FreeAndKeepErrno {
     void operator()(char* text) const {
-        const int kept = errno;
+        const int saved = errno;
         std::free(text);
-        errno = kept;
+        errno = saved;
     }
 };
 
 // The first position at which the path may be cut.
 std::size_t scan_start(const char* path) {
-    if (path[0] == kSeparator && path[1] == kSeparator) return 2;  // no cut before the server's end
+    if (path[0] == kSeparator && path[1] == kSeparator) return 2;  // the server's name stays whole
     const bool has_drive = path[1] == ':' && path[2] == kSeparator;
     return has_drive ? 3 : 0;
 }
 
-// Ends `text`, `length` characters long, at its last separator at or after `start`; `length`
-// becomes the position of the cut. False when there is no such separator.
+// Cuts `text`, which has `length` characters, at its last separator at or after `start`. Sets
+// `length` to the position of the cut. Returns false when there is no such separator.
 bool cut_last_component(char* text, std::size_t start, std::size_t& length) {
     for (std::size_t i = length; i > start; --i) {
         if (text[i - 1] != kSeparator) continue;
@@ -38,8 +38,8 @@ bool cut_last_component(char* text, std::size_t start, std::size_t& length) {
     return false;
 }
 
-// Puts the separators back into `text`, which is cut at `length` and before `whole`, and creates
-// each longer path on the way.
+// Restores the cut separators of `text` from position `length` up to `whole`, and creates the path
+// that each of them completes.
 int create_from(char* text, std::size_t length, std::size_t whole) {
     while (length != whole) {
         text[length] = kSeparator;
@@ -57,18 +57,17 @@ int KtMakeDirectory(const char* path) {
 
 int KtMakePath(const char* path) {
     if (path == nullptr || *path == '\0') return -1;
+    KtFileAttributes attributes = KtGetFileAttributes(path);
+    if (attributes != -1) return KtIsDirectory(attributes) != 0 ? 0 : -1;
+
+    const std::unique_ptr<char, FreeAndKeepErrno> copy(strdup(path));
+    if (copy == nullptr) return -1;
     const std::size_t start = scan_start(path);
     const std::size_t whole = std::strlen(path);
     std::size_t length = whole;
-    std::unique_ptr<char, FreeKeepingErrno> copy;
-    KtFileAttributes attributes = KtGetFileAttributes(path);
-    if (attributes == -1) {
-        copy.reset(strdup(path));
-        if (copy == nullptr) return -1;
-    }
     while (attributes == -1) {
         if (!cut_last_component(copy.get(), start, length)) {
-            // Nothing on the path exists.
+            // No part of the path exists.
             if (KtMakeDirectory(copy.get()) == -1) return -1;
             return create_from(copy.get(), length, whole);
         }

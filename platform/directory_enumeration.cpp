@@ -26,26 +26,28 @@ namespace {
 constexpr KtFindHandle kNoFind = -1;
 constexpr KtFileAttributes kUnknown = -1;
 constexpr std::int32_t kUnknownSize = -1;
-constexpr off64_t kLargestSize = off64_t{1} << 31;  // still passes
+constexpr off64_t kLargestSize = off64_t{1} << 31;  // inclusive
 
-class ErrnoKeeper {
+// Restores errno at the end of a scope.
+class ErrnoGuard {
 public:
-    ErrnoKeeper() : kept_(errno) {}
-    ~ErrnoKeeper() { errno = kept_; }
-    ErrnoKeeper(const ErrnoKeeper&) = delete;
-    ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
+    ErrnoGuard() : saved_(errno) {}
+    ~ErrnoGuard() { errno = saved_; }
+    ErrnoGuard(const ErrnoGuard&) = delete;
+    ErrnoGuard& operator=(const ErrnoGuard&) = delete;
 
 private:
-    int kept_;
+    int saved_;
 };
 
-// Keeps the name of the process locale in `kept` and switches the process to "C". A locale without
-// a name could not be restored, so it stays. False when there is no memory for the name.
-bool enter_c_locale(char*& kept) {
+// Copies the name of the process locale to `saved` and switches the process to "C". A locale
+// without a name cannot be restored, so it stays in force. Returns false when there is no memory
+// for the copy.
+bool enter_c_locale(char*& saved) {
     const char* const name = std::setlocale(LC_ALL, nullptr);
     if (name == nullptr) return true;
-    kept = strdup(name);
-    if (kept == nullptr) return false;
+    saved = strdup(name);
+    if (saved == nullptr) return false;
     std::setlocale(LC_ALL, "C");
     return true;
 }
@@ -69,12 +71,13 @@ bool is_dot_directory(Dirent* found) {
     return (name == "." || name == "..") && KtIsDirectory(KtFindGetFileAttributes(found)) != 0;
 }
 
-// Makes the next entry that the mask takes the current one. False when the stream has no more of
-// them, with errno as it was, or cannot be read, with the stream's errno.
-bool advance(DIR* stream, Dirent* found) {
+// Reads entries until one matches the mask, and makes that one current. Returns false at the end of
+// the stream, with errno unchanged, or when the stream cannot be read, with the stream's errno.
+bool read_next_match(DIR* stream, Dirent* found) {
     const int errno_before = errno;
     do {
-        errno = 0;  // only this tells a read error from the end
+        found->isLink = 0;
+        errno = 0;  // readdir64 returns null for an error and for the end; only errno differs
         found->entry = readdir64(stream);
         if (found->entry == nullptr) {
             if (errno == 0) errno = errno_before;
@@ -86,11 +89,8 @@ bool advance(DIR* stream, Dirent* found) {
     return true;
 }
 
-// Releases what there is of an enumeration and leaves errno alone.
-void release(DIR* stream, Dirent* found) {
-    const ErrnoKeeper keeper;
-    delete found;
-    if (stream == nullptr) return;
+// Lowers the count and closes the stream.
+void close_stream(DIR* stream) {
     if (SYS_OPENFILES > 0) --SYS_OPENFILES;
     closedir(stream);
 }
@@ -114,12 +114,10 @@ Dirent::Dirent(const char* pattern) {
 
 Dirent::~Dirent() {
     if (oldLocale != nullptr) {
-        // It takes memory for a locale other than "C"; what failed once may be had now.
+        // Setting a locale other than "C" allocates memory. A second try may succeed.
         if (std::setlocale(LC_ALL, oldLocale) == nullptr) std::setlocale(LC_ALL, oldLocale);
         std::free(oldLocale);
     }
-    // Volatile, or the store into a dying object would be dropped.
-    static_cast<volatile std::int32_t&>(isLink) = 0;
     delete[] mask;
     delete[] dir;
     delete[] lastName;
@@ -139,7 +137,7 @@ int Dirent::setLastName() {
 }
 
 void Dirent::setAttr() {
-    const ErrnoKeeper keeper;
+    const ErrnoGuard guard;
     size = kUnknownSize;
     attr = targetAttr = kUnknown;
     error = 0;
@@ -184,20 +182,23 @@ KtFindHandle KtFindFirst(const char* pattern, Dirent** found) {
     }
     Dirent* const current = new (std::nothrow) Dirent(pattern);
     if (!is_complete(current)) {
-        release(nullptr, current);
+        delete current;
         errno = ENOMEM;
         return kNoFind;
     }
     DIR* const stream = opendir(current->dir);
     if (stream == nullptr) {
-        release(nullptr, current);
+        const ErrnoGuard guard;
+        delete current;
         return kNoFind;
     }
     ++SYS_OPENFILES;
-    errno = 0;  // whatever the locale switch and the open left
-    if (!advance(stream, current)) {
+    errno = 0;  // the locale switch and the successful open may have set it
+    if (!read_next_match(stream, current)) {
         if (errno == 0) errno = ENOENT;
-        release(stream, current);
+        const ErrnoGuard guard;
+        close_stream(stream);
+        delete current;
         return kNoFind;
     }
     *found = current;
@@ -210,12 +211,15 @@ KtFindHandle KtFindFirst(const char* pattern, Dirent** found) {
 int KtFindNext(KtFindHandle find, Dirent* found) {
     DIR* const stream = std::bit_cast<DIR*>(find);
     if (stream == nullptr) {
-        release(nullptr, found);
+        const ErrnoGuard guard;
+        delete found;
         return -1;
     }
     if (find == kNoFind || found == nullptr) return -1;
-    if (advance(stream, found)) return 0;
-    release(stream, found);
+    if (read_next_match(stream, found)) return 0;
+    const ErrnoGuard guard;
+    delete found;
+    close_stream(stream);
     return -1;
 }
 

@@ -11,7 +11,7 @@ constexpr KtFileAttributes kUnknown = -1;
 }  // namespace
 
 KtFileAttributes KtGetFileAttributes(const char* path) {
-    // The system would refuse it so, but its declaration lets the compiler take it for impossible.
+    // lstat64 is declared nonnull, so report EFAULT here, as the kernel would.
     if (path == nullptr) {
         errno = EFAULT;
         return kUnknown;
@@ -25,7 +25,7 @@ KtFileAttributes KtGetFileAttributes(const char* path) {
 }
 
 int KtIsDirectory(KtFileAttributes attributes) {
-    return S_ISDIR(attributes) ? 1 : 0;  // -1 has every type bit set, which is no type at all
+    return S_ISDIR(attributes) ? 1 : 0;  // false for -1, whose type bits are all set
 }
 
 int KtSetFileAttributes(const char* /*path*/, KtFileAttributes /*attributes*/) {
