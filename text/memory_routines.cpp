@@ -1,5 +1,5 @@
-// Raw memory and C-string routines. The build compiles this source so that no loop in it becomes a
-// call of the system library's routine of the same purpose.
+// Raw memory and C-string routines. The build compiles this source so that no loop becomes a call of
+// a libc routine or a copy of vectors.
 #include <ktbase/text.h>
 
 #include <cstdint>
@@ -15,8 +15,8 @@ void copy_bytes(unsigned char* to, const unsigned char* from, unsigned count) {
     for (; count != 0; --count) *to++ = *from++;
 }
 
-// A unit is loaded whole before it is stored, and stored before the next is loaded: that is what
-// overlapping ranges see.
+// Loads a unit whole before it stores it, and stores it before it loads the next one. Callers with
+// overlapping ranges depend on this order.
 void copy_units(void* destination, const void* source, unsigned count) {
     auto* to = static_cast<unsigned char*>(destination);
     const auto* from = static_cast<const unsigned char*>(source);

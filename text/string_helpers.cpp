@@ -9,7 +9,7 @@ namespace {
 
 constexpr char kBlanks[] = " \t\r\n";
 
-// One side of a comparison: a standard string whole, a C string up to its NUL, null as empty.
+// One operand of a comparison: all of a standard string, or a C string up to its NUL. Null is empty.
 struct Operand {
     const char* text;
     std::size_t length;
@@ -27,7 +27,7 @@ int signed_value(char c) {
     return static_cast<signed char>(c);
 }
 
-// What the system's tolower makes of the signed value, negative ones included.
+// Returns what tolower returns for the signed value of the character.
 int folded(char c) {
     return std::tolower(signed_value(c));
 }
@@ -52,7 +52,7 @@ int CompareNoCase(const Operand& a, const Operand& b) {
     return compare<folded>(a, b);
 }
 
-// A move, not a copy: the destination may lie in the source's own text.
+// memmove, because the destination may lie in the source's own text.
 void move_text(char* destination, const std::string& source, std::size_t length) {
     if (length != 0 && destination != source.data())
         std::memmove(destination, source.data(), length);
@@ -140,7 +140,7 @@ void ConvertToLowerCase(std::string& text) {
 }
 
 void Trim(std::string& text) {
-    // Where only blanks are left, npos + 1 is 0 and everything goes.
+    // For a text of blanks only, npos + 1 is 0, and all of it is erased.
     text.erase(text.find_last_not_of(kBlanks) + 1);
     text.erase(0, text.find_first_not_of(kBlanks));
 }
