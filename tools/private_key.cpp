@@ -229,9 +229,10 @@ SignatureBlob PrivateKey::sign(const HASH_CTX& digest) const {
 }
 
 PrivateKey read_private_key(InputFile& file, Passphrase& passphrase) {
-    warn_when_others_may_read(file);
     const SecretBytes pem = read_at_most(file, kMaxKeyFileBytes, "too long for a key");
-    return PrivateKey::from_pem(pem, passphrase, file.name());
+    PrivateKey key = PrivateKey::from_pem(pem, passphrase, file.name());
+    warn_when_others_may_read(file);
+    return key;
 }
 
 PrivateKey read_own_private_key(const std::string& name, Passphrase& passphrase) {

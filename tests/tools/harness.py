@@ -1,23 +1,15 @@
-"""What the tests of ktsign share: a fresh directory for each test, and runs of the program in it."""
+"""What the tests of ktsign share: a fresh directory for each test, and runs of programs in it."""
 import os
-import pathlib
 import subprocess
 import tempfile
 import unittest
 
 KTSIGN = os.environ["KTSIGN"]
+EXAMPLES = os.environ["EXAMPLES"]
 
 
 def run(*words, program=KTSIGN, before=(), **options):
-    """Runs PROGRAM WORD..., and returns its status, standard output and standard error."""
-    return subprocess.run([*before, program, *map(str, words)], capture_output=True,
-                          **{"text": True, **options})
-
-
-def contents():
-    """The files here, by their size and what they begin with."""
-    return {name: (os.path.getsize(name), open(name, "rb").read(1 << 16))
-            for name in os.listdir() if os.path.isfile(name)}
+    return subprocess.run([*before, program, *words], capture_output=True, text=True, **options)
 
 
 def value(text, name):
@@ -33,13 +25,7 @@ class Test(unittest.TestCase):
         os.chdir(directory.name)
 
     def does(self, *words, **options):
-        """A run that must succeed. Returns its standard output."""
+        """A run that must succeed without a message. Returns what it prints."""
         done = run(*words, **options)
         self.assertEqual((0, ""), (done.returncode, done.stderr), words)
         return done.stdout
-
-    def expect_whole_pair(self, key):
-        """The public key beside `key` is the one that `key` makes."""
-        self.assertEqual(256, os.path.getsize(key + ".pub"))
-        self.assertEqual(value(self.does("show", key), "key-fingerprint"),
-                         value(self.does("show", key + ".pub"), "key-fingerprint"))

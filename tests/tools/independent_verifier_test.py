@@ -6,10 +6,10 @@ import re
 import sys
 import unittest
 
-from harness import KTSIGN, Test, run
+from harness import EXAMPLES, KTSIGN, Test, run
 
 DOMAINS = {  # the domain file, ktsign and a host of the library in that domain
-    "built-in": (os.environ["DOMAIN"], KTSIGN, os.environ["EXAMPLES"] + "/verify_file"),
+    "built-in": (os.environ["DOMAIN"], KTSIGN, EXAMPLES + "/verify_file"),
     "fresh": (os.environ["FRESH_DOMAIN"], os.environ["FRESH_KTSIGN"], os.environ["FRESH_VERIFY_FILE"]),
 }
 PAIRS = 100

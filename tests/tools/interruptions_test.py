@@ -44,6 +44,8 @@ class Interruptions(Test):
             for injection, directory, done in pool.map(inject, enumerate(calls)):
                 with self.subTest(injection):
                     judge(directory, done)
+                    if injection.startswith("inject=fsync:error"):
+                        self.assertEqual(2, done.returncode)
                 shutil.rmtree(directory)
 
     def fingerprint(self, directory, name):

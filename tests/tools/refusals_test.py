@@ -7,58 +7,74 @@ import subprocess
 import sys
 import unittest
 
-from harness import Test, contents, run
+from harness import EXAMPLES, KTSIGN, Test, run
 
 P = int("8df2a494492276aa3d25759bb06869cbeac0d83afb8d0cf7cbb8324f0d7882e5"
         "d0762fc5b7210eafc2e9adac32ab7aac49693dfbf83724c2ec0736ee31c80291", 16)
 
-# The reason after "ktsign: ", and the words that bring it about.
+# The line on standard error, which begins with the program, and the arguments.
 REFUSALS = {
-    "no command; see ktsign --help": [],
-    "nonsense: not a command; see ktsign --help": ["nonsense"],
-    "sign: takes KEY FILE...; see ktsign --help": ["sign", "key"],
-    "sign: one signature is for one FILE; see ktsign --help": ["sign", "-o", "new", "key", "file", "text"],
-    "verify: does not take --force; see ktsign --help": ["verify", "--force", "key.pub", "file"],
-    "sign: standard input is named more than once": ["sign", "-", "-"],
-    "-key: not an option; write ./-key for a file of this name": ["sign", "-key", "file"],
-    "--passphrase-fd: not a descriptor: 1x": ["show", "key", "--passphrase-fd", "1x"],
-    "key: File exists": ["new-key", "key"],
-    "half.pub: File exists": ["new-key", "half"],
-    "nowhere/new: No such file or directory": ["new-key", "nowhere/new"],
-    "none: No such file or directory": ["sign", "none", "file"],
-    "line\\x0aend: No such file or directory": ["show", "line\nend"],
-    "half.pub: Is a directory": ["sign", "key", "half.pub"],
-    "text: exists and is not a signature; --force replaces it": ["sign", "-o", "text", "key", "file"],
-    "text: exists and is not a public key; --force replaces it": ["public-key", "key", "text"],
-    "text: exists and is not empty; --force replaces it": ["new-domain", "text"],
-    "lost: a link that leads to no file": ["sign", "-o", "lost", "key", "file"],
-    "loop: Too many levels of symbolic links": ["sign", "-o", "loop", "key", "file"],
-    "text/new: Not a directory": ["sign", "-o", "text/new", "key", "file"],
-    "forty.sig: would be overwritten, it is an input": ["sign", "key", "forty"],
-    "key: would be overwritten, it is an input": ["public-key", "--force", "key", "key"],
-    "key.pub: would be overwritten, it is an input": ["sign", "--force", "-o", "key.pub", "key", "file"],
-    "/dev/full: No space left on device": ["sign", "-o", "/dev/full", "key", "file"],
-    "long: too long, the limit is 2^29 - 1 bytes": ["sign", "key", "long"],
-    "text: not a private key in PEM": ["sign", "text", "file"],
-    "long: too long for a key": ["sign", "long", "file"],
-    "rsa: not a DSA key": ["sign", "rsa", "file"],
-    "large: not a DSA key with a p of 512 bits and a q of 160": ["sign", "large", "file"],
-    "foreign: a key of another domain": ["sign", "foreign", "file"],
-    "mixed: the public value does not belong to the private key": ["sign", "mixed", "file"],
-    "strange.pub: not the public key of strange": ["sign", "strange", "file"],
-    "locked: no terminal to ask for the passphrase; use --passphrase-fd": ["sign", "locked", "file"],
-    "passphrase descriptor 77: Bad file descriptor": ["show", "locked", "--passphrase-fd", "77"],
-    "standard input: its signature has no name; use -o": ["sign", "key", "-"],
-    "text: not a public key, which has 256 bytes": ["verify", "text", "file"],
-    "text: not a signature, which has 40 bytes": ["verify", "-s", "text", "key.pub", "file"],
-    "p.pub: not a sound public key: component 0 is not below p": ["verify", "p.pub", "file"],
-    "one.pub: not a sound public key: y is not above 1": ["verify", "one.pub", "file"],
-    "two.pub: not a sound public key: y^q is not 1": ["verify", "two.pub", "file"],
-    "swapped.pub: not a sound public key: its components are not 2^40 powers apart":
-        ["verify", "swapped.pub", "file"],
-    "text: not a private key, a public key or a domain": ["show", "text"],
-    "bad.domain: no line \"p = HEX\"": ["show", "bad.domain"],
+    "ktsign: no command; see ktsign --help": "",
+    "ktsign: nonsense: not a command; see ktsign --help": "nonsense",
+    "ktsign: sign: takes KEY FILE...; see ktsign --help": "sign key",
+    "ktsign: sign: one signature is for one FILE; see ktsign --help": "sign -o new key file text",
+    "ktsign: verify: does not take --force; see ktsign --help": "verify --force key.pub file",
+    "ktsign: sign: standard input is named more than once": "sign - -",
+    "ktsign: -key: not an option; write ./-key for a file of this name": "sign -key file",
+    "ktsign: --passphrase-fd: not a descriptor: 1x": "show key --passphrase-fd 1x",
+    "ktsign: key: File exists": "new-key key",
+    "ktsign: half.pub: File exists": "new-key half",
+    "ktsign: nowhere/new: No such file or directory": "new-key nowhere/new",
+    "ktsign: none: No such file or directory": "sign none file",
+    "ktsign: line\\x0aend: No such file or directory": "show line\nend",
+    "ktsign: half.pub: Is a directory": "sign key half.pub",
+    "ktsign: text: exists and is not a signature; --force replaces it": "sign -o text key file",
+    "ktsign: text: exists and is not a public key; --force replaces it": "public-key key text",
+    "ktsign: text: exists and is not empty; --force replaces it": "new-domain text",
+    "ktsign: lost: a link that leads to no file": "sign -o lost key file",
+    "ktsign: loop: Too many levels of symbolic links": "sign -o loop key file",
+    "ktsign: text/new: Not a directory": "sign -o text/new key file",
+    "ktsign: forty.sig: would be overwritten, it is an input": "sign key forty",
+    "ktsign: key: would be overwritten, it is an input": "public-key --force key key",
+    "ktsign: key.pub: would be overwritten, it is an input": "sign --force -o key.pub key file",
+    "ktsign: /dev/full: No space left on device": "sign -o /dev/full key file",
+    "ktsign: long: too long, the limit is 2^29 - 1 bytes": "sign key long",
+    "ktsign: text: not a private key in PEM": "sign text file",
+    "ktsign: long: too long for a key": "sign long file",
+    "ktsign: rsa: not a DSA key": "sign rsa file",
+    "ktsign: large: not a DSA key with a p of 512 bits and a q of 160": "sign large file",
+    "ktsign: foreign: a key of another domain": "sign foreign file",
+    "ktsign: mixed: the public value does not belong to the private key": "sign mixed file",
+    "ktsign: strange.pub: not the public key of strange": "sign strange file",
+    "ktsign: locked: no terminal to ask for the passphrase; use --passphrase-fd": "sign locked file",
+    "ktsign: passphrase descriptor 77: Bad file descriptor": "show locked --passphrase-fd 77",
+    "ktsign: standard input: its signature has no name; use -o": "sign key -",
+    "ktsign: text: not a public key, which has 256 bytes": "verify text file",
+    "ktsign: text: not a signature, which has 40 bytes": "verify -s text key.pub file",
+    "ktsign: p.pub: not a sound public key: component 0 is not below p": "verify p.pub file",
+    "ktsign: one.pub: not a sound public key: y is not above 1": "verify one.pub file",
+    "ktsign: two.pub: not a sound public key: y^q is not 1": "verify two.pub file",
+    "ktsign: swapped.pub: not a sound public key: its components are not 2^40 powers apart":
+        "verify swapped.pub file",
+    "ktsign: text: not a private key, a public key or a domain": "show text",
+    'ktsign: bad.domain: no line "p = HEX"': "show bad.domain",
+    "verify_file: text: not a public key, which has 256 bytes": "text file key.pub",
+    "verify_file: text: not a signature, which has 40 bytes": "key.pub file text",
+    "verify_file: none: No such file or directory": "key.pub none forty",
+    "verify_file: half.pub: Is a directory": "key.pub half.pub forty",
+    "verify_buffer: text: not a blob of the right length": "text file forty",
+    "verify_buffer: none: No such file or directory": "key.pub none forty",
+    "verify_buffer: /proc/version: not a file that can be read at once": "key.pub /proc/version forty",
 }
+
+PROGRAMS = {"ktsign": KTSIGN, "verify_file": EXAMPLES + "/verify_file",
+            "verify_buffer": EXAMPLES + "/verify_buffer"}
+
+
+def contents():
+    """What the files here hold, but for the long one."""
+    return {name: pathlib.Path(name).read_bytes()
+            for name in os.listdir() if os.path.isfile(name) and name != "long"}
 
 
 def openssl(command):
@@ -117,20 +133,19 @@ class Refusals(Test):
         write_public_key("one.pub", *[2**512 % P] * 4)
         write_public_key("two.pub", *[pow(2, 2**(40 * j), P) * 2**512 % P for j in range(4)])
 
-    def expect_refusal(self, reason, words):
+    def expect_refusal(self, line, words):
         before = contents()
-        done = run(*words, start_new_session=True, stdin=subprocess.DEVNULL)  # no terminal
-        self.assertEqual((2, f"ktsign: {reason}\n"), (done.returncode, done.stderr))
+        program = PROGRAMS[line.split(":")[0]]
+        done = run(*words.split(" ") if words else [], program=program,
+                   start_new_session=True, stdin=subprocess.DEVNULL)  # no terminal
+        self.assertEqual((2, line + "\n"), (done.returncode, done.stderr))
         self.assertEqual(before, contents())
 
     def test_bad_input_is_refused(self):
         self.make_the_inputs()
-        os.chmod("long", 0o600)
-        for name in ["rsa", "large", "foreign", "locked", "mixed", "text", "long"]:
-            os.chmod(name, 0o600)
-        for reason, words in REFUSALS.items():
-            with self.subTest(reason):
-                self.expect_refusal(reason, words)
+        for line, words in REFUSALS.items():
+            with self.subTest(line):
+                self.expect_refusal(line, words)
 
     def test_force_replaces_any_file(self):
         self.does("sign", "--force", "-o", "text", "key", "file")
@@ -147,9 +162,12 @@ class Refusals(Test):
         self.assertFalse(os.path.exists("file.sig"))
 
     def test_a_full_standard_output_is_an_error(self):
-        with open("/dev/full", "w") as full:
-            done = subprocess.run([os.environ["KTSIGN"], "--version"], stdout=full, stderr=subprocess.PIPE)
-        self.assertEqual(b"ktsign: standard output: No space left on device\n", done.stderr)
+        self.does("sign", "key", "file")
+        for name, words in {"ktsign": "--version", "verify_file": "key.pub file file.sig",
+                            "verify_buffer": "key.pub file file.sig"}.items():
+            done = run("-c", f"'{PROGRAMS[name]}' {words} > /dev/full", program="sh")
+            self.assertEqual((2, f"{name}: standard output: No space left on device\n"),
+                             (done.returncode, done.stderr))
 
 
 unittest.main(argv=sys.argv[:1])
