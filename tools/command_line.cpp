@@ -60,8 +60,7 @@ int parse_descriptor(const std::string& text) {
 
 std::string long_name(const std::string& name) {
     if (name == "-o") return "--output";
-    if (name == "-s") return "--signature";
-    return name == "-h" ? "--help" : name;
+    return name == "-s" ? "--signature" : name;
 }
 
 // The words after the name of the program, taken one by one.
@@ -70,27 +69,27 @@ public:
     explicit Parser(std::span<char*> words) : words_(words.begin(), words.end()) {}
 
     CommandLine parse() {
-        bool options_end = false;
+        const auto options_end = std::find(words_.begin(), words_.end(), "--");
+        if (std::find_if(words_.begin(), options_end, asks_for_help) != options_end) {
+            line_.command = "--help";
+            return line_;
+        }
+        bool taking_options = true;
         while (next_ < words_.size()) {
             const std::string word = words_[next_++];
-            if (options_end || word == "-" || !word.starts_with('-'))
+            if (!taking_options || word == "-" || !word.starts_with('-'))
                 take_operand(word);
             else if (word == "--")
-                options_end = true;
-            else if (!take_option(word))
-                return help();
+                taking_options = false;
+            else
+                take_option(word);
         }
         return line_;
     }
     const std::vector<std::string>& options() const { return options_; }
 
 private:
-    CommandLine help() {
-        options_.clear();
-        CommandLine line;
-        line.command = "--help";
-        return line;
-    }
+    static bool asks_for_help(const std::string& word) { return word == "-h" || word == "--help"; }
 
     void take_operand(const std::string& word) {
         if (line_.command.empty())
@@ -99,13 +98,11 @@ private:
             line_.operands.push_back(word);
     }
 
-    // Returns false for the option that asks for help.
-    bool take_option(const std::string& word) {
+    void take_option(const std::string& word) {
         const std::size_t equals = word.starts_with("--") ? word.find('=') : std::string::npos;
         const std::string name = long_name(word.substr(0, equals));
         std::optional<std::string> attached;
         if (equals != std::string::npos) attached = word.substr(equals + 1);
-        if (name == "--help") return false;
         options_.push_back(name);
         if (name == "--output")
             line_.output = value(name, attached);
@@ -122,7 +119,6 @@ private:
         else
             throw Failure(word,
                           "not an option; write ./" + quoted(word) + " for a file of this name");
-        return true;
     }
 
     std::string value(const std::string& name, const std::optional<std::string>& attached) {

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr std::size_t kMaxBytes = (1 << 14) - 1;  // what a private key may have
-
 void print_value(const std::string& name, const std::string& value) {
     print_line(name + " " + value);
 }
@@ -41,7 +39,8 @@ bool is_text(std::string_view content) {
 int show(const CommandLine& line) {
     const std::string& name = line.operands[0];
     InputFile file(name);
-    const SecretBytes bytes = read_at_most(file, kMaxBytes, "not a key or a domain: too long");
+    const SecretBytes bytes =
+        read_at_most(file, kMaxKeyFileBytes, "not a key or a domain: too long");
     const std::string_view content(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     if (content.find("-----BEGIN ") != std::string_view::npos) {
         Passphrase passphrase(line.passphrase_fd);

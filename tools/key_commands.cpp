@@ -14,17 +14,11 @@ namespace {
 
 constexpr mode_t kOthers = S_IRWXG | S_IRWXO;
 
-bool exists(const std::string& name) {
-    struct stat status;
-    if (lstat(name.c_str(), &status) == 0) return true;
-    if (errno != ENOENT) fail_with_errno(name);
-    return false;
-}
-
 // A kill between the two names leaves the private key alone. Somebody else's file is no such key.
 bool is_left_alone(const std::string& private_name) {
     struct stat status;
-    if (exists(private_name + ".pub") || lstat(private_name.c_str(), &status) == -1) return false;
+    if (name_exists(private_name + ".pub") || lstat(private_name.c_str(), &status) == -1)
+        return false;
     return S_ISREG(status.st_mode) && status.st_uid == geteuid() && status.st_size != 0 &&
            (status.st_mode & kOthers) == 0;
 }
@@ -37,8 +31,8 @@ void complete_key_pair(const std::string& private_name, Passphrase& passphrase) 
     const std::string public_name = private_name + ".pub";
     const PrivateKey key = read_own_private_key(private_name, passphrase);
     public_key_output(public_name, false).write(key.public_key());
-    complain(quoted(private_name) + ": kept from a run that was killed; made " +
-             quoted(public_name) + " from it");
+    complain(quoted(private_name) + ": existed without " + quoted(public_name) +
+             "; kept, and the public key made from it");
 }
 
 }  // namespace
@@ -59,7 +53,7 @@ int new_key(const CommandLine& line) {
         return kDone;
     }
     for (const std::string& file : {name, name + ".pub"}) {
-        if (!exists(file)) continue;
+        if (!name_exists(file)) continue;
         errno = EEXIST;
         fail_with_errno(file);
     }

@@ -15,6 +15,7 @@
 namespace {
 
 constexpr char kOpenFiles[] = "/proc/self/fd/";
+constexpr std::size_t kStemBytes = 200;  // of a temporary name, which has at most 255
 constexpr mode_t kOwnerOnly = 0600;
 constexpr mode_t kEverybody = 0666;  // less the umask
 constexpr mode_t kPermissions = 0777;
@@ -116,7 +117,8 @@ private:
         if (file_.get() == -1 && errno != EOPNOTSUPP && errno != EISDIR) fail_with_errno(name_);
     }
     void open_temporary(const std::string& parent) {
-        temporary_ = std::filesystem::path(parent) / ("." + base_ + ".ktsign-XXXXXX");
+        const std::string stem = base_.substr(0, kStemBytes);
+        temporary_ = std::filesystem::path(parent) / ("." + stem + ".ktsign-XXXXXX");
         file_ = Descriptor(mkostemp(temporary_.data(), O_CLOEXEC));
         if (file_.get() == -1) {
             temporary_.clear();
@@ -163,13 +165,20 @@ private:
     std::string temporary_;  // empty: the file has no name at all
 };
 
-void require_absent(const std::string& name) {
-    struct stat status;
-    if (lstat(name.c_str(), &status) == 0) errno = EEXIST;
-    if (errno != ENOENT) fail_with_errno(name);
+void write_through(const std::string& name, ConstBytes content) {
+    const Descriptor file(open(name.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC));
+    if (file.get() == -1) fail_with_errno(name);
+    write_all(file.get(), content, name);
 }
 
 }  // namespace
+
+bool name_exists(const std::string& name) {
+    struct stat status;
+    if (lstat(name.c_str(), &status) == 0) return true;
+    if (errno != ENOENT) fail_with_errno(name);
+    return false;
+}
 
 std::optional<FileIdentity> file_identity(const std::string& name) {
     struct stat status;
@@ -228,19 +237,10 @@ void OutputFile::write(ConstBytes content) const {
             sync_file(STDOUT_FILENO, "standard output");
         return;
     }
-    if (state_.status && !S_ISREG(state_.status->st_mode)) {
-        const Descriptor file(open(name_.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC));
-        if (file.get() == -1) fail_with_errno(name_);
-        write_all(file.get(), content, name_);
-        return;
-    }
-    write_file(content);
-}
-
-void OutputFile::write_file(ConstBytes content) const {
-    const BlockedSignals blocked;
     // The first query may be long ago: a large file was digested since.
     const State now = query();
+    if (now.status && !S_ISREG(now.status->st_mode)) return write_through(name_, content);
+    const BlockedSignals blocked;
     if (!now.status) {
         StagedFile(now.target, content, {.mode = mode_of_new_file()}, false).create();
         return;
@@ -253,8 +253,6 @@ void OutputFile::write_file(ConstBytes content) const {
 void create_key_pair(const std::string& private_name, ConstBytes private_key,
                      const std::string& public_name, ConstBytes public_key) {
     const BlockedSignals blocked;
-    require_absent(private_name);
-    require_absent(public_name);
     StagedFile private_file(private_name, private_key, {.mode = kOwnerOnly}, false);
     StagedFile public_file(public_name, public_key, {.mode = mode_of_new_file()}, false);
     private_file.create();

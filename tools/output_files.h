@@ -13,6 +13,9 @@
 #include "descriptor.h"
 #include "libcrypto.h"
 
+// True for a link that leads to no file, too. Throws Failure when the query fails.
+bool name_exists(const std::string& name);
+
 // Which file a name leads to.
 struct FileIdentity {
     dev_t device;
@@ -49,7 +52,6 @@ private:
 
     State query() const;
     void require_replaceable(const struct stat& status) const;
-    void write_file(ConstBytes content) const;
 
     std::string name_;
     Replacement replacement_;
@@ -57,7 +59,7 @@ private:
 };
 
 // Creates a private key that only its owner may read and the public key for everybody less the
-// umask, the private key first. Neither name may exist. Throws Failure, and then neither does.
+// umask, the private key first. Neither name may exist. Throws Failure, and then neither was made.
 void create_key_pair(const std::string& private_name, ConstBytes private_key,
                      const std::string& public_name, ConstBytes public_key);
 

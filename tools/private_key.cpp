@@ -27,7 +27,6 @@ constexpr unsigned kScryptN = 1 << 14;
 constexpr unsigned kScryptR = 8;
 constexpr unsigned kScryptP = 5;
 constexpr int kSaltBytes = 16;
-constexpr std::size_t kMaxKeyFileBytes = (1 << 14) - 1;
 
 using KeyContext = Owned<EVP_PKEY_CTX, EVP_PKEY_CTX_free>;
 using Signature = Owned<DSA_SIG, DSA_SIG_free>;
@@ -63,7 +62,7 @@ Number parameter(const EVP_PKEY* key, const char* name) {
 // libcrypto's own generation refuses a p of 512 bits. A private number is any from 1 to q - 1.
 Number random_private_number() {
     Number x(must(BN_secure_new()));
-    while (BN_is_zero(x.get())) must(BN_priv_rand_range(x.get(), built_in_domain().q.get()));
+    while (BN_is_zero(x.get()) == 1) must(BN_priv_rand_range(x.get(), built_in_domain().q.get()));
     return x;
 }
 

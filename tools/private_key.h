@@ -12,6 +12,8 @@
 #include "passphrase.h"
 #include "public_key.h"
 
+constexpr std::size_t kMaxKeyFileBytes = (1 << 14) - 1;
+
 using SignatureBlob = std::array<unsigned char, 40>;  // r, then s, least significant byte first
 
 // A DSA key whose y belongs to its x. Every function throws Failure.

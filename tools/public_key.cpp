@@ -58,8 +58,8 @@ std::string unsoundness(const PublicKeyBlob& key) {
             return "component " + std::to_string(j) + " is not below p";
     }
     const Number y = out_of_form(component[0].get(), p);
-    if (BN_is_zero(y.get()) || BN_is_one(y.get())) return "y is not above 1";
-    if (!BN_is_one(power(y.get(), built_in_domain().q.get(), p).get())) return "y^q is not 1";
+    if (BN_is_zero(y.get()) == 1 || BN_is_one(y.get()) == 1) return "y is not above 1";
+    if (BN_is_one(power(y.get(), built_in_domain().q.get(), p).get()) == 0) return "y^q is not 1";
     // The components are below p by now, so each has one encoding.
     return public_key_of(y.get(), p) == key ? "" : "its components are not 2^40 powers apart";
 }

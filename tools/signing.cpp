@@ -1,4 +1,5 @@
 // sign.
+#include <algorithm>
 #include <set>
 
 #include "commands.h"
@@ -23,7 +24,7 @@ public:
     void sign(const std::string& file) const {
         const OutputFile output(output_name(file),
                                 {"a signature", sizeof(SignatureBlob), line_.force});
-        if (output.identity() && inputs_.contains(*output.identity()))
+        if (is_input(output_name(file), output))
             throw Failure(output_name(file), "would be overwritten, it is an input");
         output.write(key_.sign(digest_file(file)));
     }
@@ -36,6 +37,11 @@ private:
             if (const auto identity = file_identity(input)) inputs_.insert(*identity);
         } catch (const Failure&) {  // NOLINT(bugprone-empty-catch)
         }
+    }
+    // An operand that does not exist yet is an input by its name.
+    bool is_input(const std::string& name, const OutputFile& output) const {
+        return (output.identity() && inputs_.contains(*output.identity())) ||
+               std::count(line_.operands.begin(), line_.operands.end(), name) != 0;
     }
     std::string output_name(const std::string& file) const {
         if (line_.output) return *line_.output;

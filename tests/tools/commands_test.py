@@ -8,7 +8,7 @@ import termios
 import time
 import unittest
 
-from harness import EXAMPLES, KTSIGN, Test, run
+from harness import BUILT, EXAMPLES, KTSIGN, Test, run
 
 FAULTY = "the signature just made does not match: a faulty key or machine"
 
@@ -32,12 +32,7 @@ def on_a_terminal(*words, typed=""):
 
 
 def with_passphrase(text, *words):
-    reading, writing = os.pipe()
-    os.write(writing, text.encode() + b"\n")
-    os.close(writing)
-    done = run(*words, "--passphrase-fd", str(reading), pass_fds=[reading])
-    os.close(reading)
-    return done
+    return run(*words, "--passphrase-fd", "0", input=text + "\n")
 
 
 class Commands(Test):
@@ -48,7 +43,7 @@ class Commands(Test):
         pathlib.Path("file").write_text("content")
 
     def interposed(self, *words, **variables):
-        return run(*words, env={**os.environ, "LD_PRELOAD": os.environ["INTERPOSED"], **variables})
+        return run(*words, env={**os.environ, "LD_PRELOAD": BUILT + "/libinterposed.so", **variables})
 
     def test_a_private_key_is_its_owners_under_any_umask(self):
         self.assertEqual(0o100600, os.stat("key").st_mode)

@@ -1,11 +1,14 @@
 """What the tests of ktsign share: a fresh directory for each test, and runs of programs in it."""
 import os
+import pathlib
+import re
 import subprocess
 import tempfile
 import unittest
 
 KTSIGN = os.environ["KTSIGN"]
 EXAMPLES = os.environ["EXAMPLES"]
+BUILT = os.environ["BUILT"]  # the folder of what was built for these tests
 
 
 def run(*words, program=KTSIGN, before=(), **options):
@@ -15,6 +18,12 @@ def run(*words, program=KTSIGN, before=(), **options):
 def value(text, name):
     """The value in lines of a name and a value."""
     return dict(line.split(" ", 1) for line in text.splitlines())[name]
+
+
+def domain_numbers(file):
+    """p, q and g."""
+    numbers = dict(re.findall(r"^([pqg]) = (\w+)", pathlib.Path(file).read_text(), re.M))
+    return [int(numbers[name], 16) for name in "pqg"]
 
 
 class Test(unittest.TestCase):
