@@ -8,8 +8,9 @@
 #include <new>
 #include <vector>
 
-// Turns core dumps off, keeps other processes of the user from reading this one's memory, and sets
-// up libcrypto's secure heap, which is locked in memory where the limits allow it.
+// Turns core dumps off and keeps other processes of the user from reading this one's memory. Makes
+// libcrypto cleanse what it releases, and sets up its secure heap, which is locked in memory where
+// the limits allow it. Comes before every other use of libcrypto.
 void protect_process();
 
 // Takes memory from the secure heap, or from the ordinary one when that is full, and cleanses it
