@@ -14,7 +14,8 @@ namespace {
 
 constexpr mode_t kOthers = S_IRWXG | S_IRWXO;
 
-// A kill between the two names leaves the private key alone. Somebody else's file is no such key.
+// SIGKILL between the two names leaves the private key without a public one. A file that belongs to
+// another user, or that others have access to, is not taken for such a key.
 bool is_left_alone(const std::string& private_name) {
     struct stat status;
     if (name_exists(private_name + ".pub") || lstat(private_name.c_str(), &status) == -1)
@@ -52,6 +53,8 @@ int new_key(const CommandLine& line) {
         complete_key_pair(name, passphrase);
         return kDone;
     }
+    if (name_exists(name) && !name_exists(name + ".pub"))
+        throw Failure(name, "exists; \"ktsign public-key\" makes its public key");
     for (const std::string& file : {name, name + ".pub"}) {
         if (!name_exists(file)) continue;
         errno = EEXIST;
@@ -71,7 +74,7 @@ int public_key(const CommandLine& line) {
         throw Failure(output_name, "would be overwritten, it is an input");
     Passphrase passphrase(line.passphrase_fd);
     const PrivateKey key = read_own_private_key(name, passphrase);
-    // With --force the public key beside it is what is made anew.
+    // --force replaces also the public key that would have to match.
     const bool replaces_other =
         output.identity() && output.identity() == file_identity(name + ".pub");
     if (!replaces_other || !(line.force || output.is_empty())) require_match_beside(key, name);

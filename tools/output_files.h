@@ -1,7 +1,7 @@
 // Files that ktsign writes. What is reported as written is on the disk: a file is synced before it
 // takes its name, and its directory after that. A reader sees the old content or the new, never a
-// part. Signals are blocked from the first temporary file to the last sync, so that a signal leaves
-// either all files of a command in place or none.
+// part. Signals are blocked while files are written, so that a signal leaves both keys of a pair or
+// neither, and no temporary file.
 #ifndef KTBASE_TOOLS_OUTPUT_FILES_H
 #define KTBASE_TOOLS_OUTPUT_FILES_H
 

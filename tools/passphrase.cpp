@@ -19,7 +19,7 @@ constexpr std::size_t kMaxBytes = 512;
 SecretBytes read_line(int fd) {
     const std::string name = "passphrase descriptor " + std::to_string(fd);
     SecretBytes line;
-    line.reserve(kMaxBytes);  // or a copy would stay behind
+    line.reserve(kMaxBytes);  // growth would leave copies in the heap
     for (unsigned char byte = 0;;) {
         const ssize_t got = read(fd, &byte, 1);
         if (got == -1 && errno == EINTR) continue;
@@ -30,10 +30,10 @@ SecretBytes read_line(int fd) {
     }
 }
 
-SecretBytes ask(const std::string& key_name, bool twice) {
+SecretBytes prompt_for(const std::string& key_name, bool twice) {
     // Without a terminal libcrypto would read from standard input.
     if (Descriptor(open("/dev/tty", O_RDWR | O_CLOEXEC)).get() == -1)
-        throw Failure(key_name, "no terminal to ask for the passphrase; use --passphrase-fd");
+        throw Failure(key_name, "no terminal for the passphrase; use --passphrase-fd");
     const std::string prompt = "Passphrase of " + quoted(key_name) + ": ";
     SecretBytes text(kMaxBytes + 1);
     if (EVP_read_pw_string(reinterpret_cast<char*>(text.data()), static_cast<int>(text.size()),
@@ -49,7 +49,7 @@ SecretBytes ask(const std::string& key_name, bool twice) {
 }  // namespace
 
 const SecretBytes& Passphrase::obtain(const std::string& key_name, bool twice) {
-    if (!text_) text_ = fd_ ? read_line(*fd_) : ask(key_name, twice);
+    if (!text_) text_ = fd_ ? read_line(*fd_) : prompt_for(key_name, twice);
     return *text_;
 }
 

@@ -9,12 +9,12 @@
 
 class Passphrase {
 public:
-    // Reads a line of the descriptor `fd`, or asks on the terminal when there is none.
+    // Reads a line of the descriptor `fd`, or prompts on the terminal when there is none.
     explicit Passphrase(std::optional<int> fd) : fd_(fd) {}
 
-    // Each function reads or asks once for the whole run. Throws Failure.
+    // The first call reads or prompts; later ones return the same. Throws Failure.
     const SecretBytes& for_existing_key(const std::string& key_name);
-    const SecretBytes& for_new_key(const std::string& key_name);  // the terminal asks twice
+    const SecretBytes& for_new_key(const std::string& key_name);  // prompts twice
 
 private:
     const SecretBytes& obtain(const std::string& key_name, bool twice);

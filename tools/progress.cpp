@@ -27,7 +27,7 @@ void Progress::show(std::uint64_t bytes_done) {
 
 void Progress::rewrite(const std::string& line) {
     if (line == shown_) return;
-    // Spaces over the end of a longer line: a terminal that knows no escapes shows none.
+    // Spaces overwrite the end of a longer line; not every terminal has an escape sequence for it.
     const std::size_t width = shown_.size();
     std::fprintf(stderr, "\r%-*s\r%s", static_cast<int>(width), line.c_str(), line.c_str());
     shown_ = line;

@@ -1,6 +1,6 @@
 // sign.
-#include <algorithm>
 #include <set>
+#include <string>
 
 #include "commands.h"
 #include "message_digest.h"
@@ -19,6 +19,7 @@ public:
         require_match_beside(key_, line.operands[0]);
         protect(line.operands[0] + ".pub");
         for (const std::string& input : line.operands) protect(input);
+        names_.insert(line.operands.begin(), line.operands.end());
     }
 
     void sign(const std::string& file) const {
@@ -40,8 +41,8 @@ private:
     }
     // An operand that does not exist yet is an input by its name.
     bool is_input(const std::string& name, const OutputFile& output) const {
-        return (output.identity() && inputs_.contains(*output.identity())) ||
-               std::count(line_.operands.begin(), line_.operands.end(), name) != 0;
+        if (name == "-") return false;  // standard output
+        return names_.contains(name) || (output.identity() && inputs_.contains(*output.identity()));
     }
     std::string output_name(const std::string& file) const {
         if (line_.output) return *line_.output;
@@ -53,6 +54,7 @@ private:
     Passphrase passphrase_;
     PrivateKey key_;
     std::set<FileIdentity> inputs_;
+    std::set<std::string> names_;
 };
 
 }  // namespace

@@ -45,7 +45,7 @@ REFUSALS = {
     "ktsign: foreign: a key of another domain": "sign foreign file",
     "ktsign: mixed: the public value does not belong to the private key": "sign mixed file",
     "ktsign: strange.pub: not the public key of strange": "sign strange file",
-    "ktsign: locked: no terminal to ask for the passphrase; use --passphrase-fd": "sign locked file",
+    "ktsign: locked: no terminal for the passphrase; use --passphrase-fd": "sign locked file",
     "ktsign: passphrase descriptor 77: Bad file descriptor": "show locked --passphrase-fd 77",
     "ktsign: standard input: its signature has no name; use -o": "sign key -",
     "ktsign: text: not a public key, which has 256 bytes": "verify text file",
