@@ -133,17 +133,21 @@ private:
     std::vector<std::string> options_;
 };
 
+const Form& form_of(const std::string& command) {
+    if (command.empty()) throw Failure(std::string("no command") + kMore);
+    for (const Form& form : forms())
+        if (command == form.command) return form;
+    throw Failure(command, std::string("not a command") + kMore);
+}
+
 void require_form(const CommandLine& line, std::vector<std::string> options) {
-    if (line.command.empty()) throw Failure(std::string("no command") + kMore);
-    const auto form = std::find_if(forms().begin(), forms().end(),
-                                   [&](const Form& any) { return line.command == any.command; });
-    if (form == forms().end()) throw Failure(line.command, std::string("not a command") + kMore);
+    const Form& form = form_of(line.command);
     std::erase(options, line.command);
     for (const std::string& option : options)
-        if (std::count(form->options.begin(), form->options.end(), option) == 0)
+        if (std::count(form.options.begin(), form.options.end(), option) == 0)
             throw Failure(line.command + ": does not take " + option + kMore);
-    if (line.operands.size() < form->least || line.operands.size() > form->most)
-        throw Failure(line.command + ": takes " + form->operands + kMore);
+    if (line.operands.size() < form.least || line.operands.size() > form.most)
+        throw Failure(line.command + ": takes " + form.operands + kMore);
     if ((line.output || line.signature) && line.operands.size() != 2)
         throw Failure(line.command + ": one signature is for one FILE" + kMore);
     // PUB is the only output among the operands.

@@ -23,9 +23,9 @@ InputFile::InputFile(const std::string& name)
 }
 
 struct stat InputFile::query() const {
-    struct stat status;
-    if (fstat(descriptor_.get(), &status) == -1) fail_with_errno(name_);
-    return status;
+    struct stat now;
+    if (fstat(descriptor_.get(), &now) == -1) fail_with_errno(name_);
+    return now;
 }
 
 std::optional<std::uint64_t> InputFile::size() const {

@@ -20,7 +20,7 @@ struct SecretAllocator {
     using value_type = T;
     SecretAllocator() = default;
     template <class U>
-    SecretAllocator(const SecretAllocator<U>& /*other*/) {}
+    explicit SecretAllocator(const SecretAllocator<U>& /*other*/) {}
 
     T* allocate(std::size_t count) {
         void* memory = OPENSSL_secure_malloc(count * sizeof(T));
