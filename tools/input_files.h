@@ -41,11 +41,11 @@ SecretBytes read_at_most(InputFile& file, std::size_t limit, const std::string& 
 // Reads a file of exactly Size bytes.
 template <std::size_t Size>
 std::array<unsigned char, Size> read_blob(const std::string& name, const std::string& kind) {
-    const std::string refusal = "not a " + kind + ", which has " + std::to_string(Size) + " bytes";
+    const std::string reason = "not a " + kind + ", which has " + std::to_string(Size) + " bytes";
     InputFile file(name);
     std::array<unsigned char, Size> blob;
     std::array<unsigned char, 1> beyond;
-    if (file.read(blob) != Size || file.read(beyond) != 0) throw Failure(name, refusal);
+    if (file.read(blob) != Size || file.read(beyond) != 0) throw Failure(name, reason);
     return blob;
 }
 

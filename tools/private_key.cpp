@@ -134,13 +134,13 @@ void warn_when_others_may_read(const InputFile& file) {
 }  // namespace
 
 PrivateKey PrivateKey::generate() {
-    const DomainNumbers& domain = built_in_domain();
+    const DomainNumbers& own = built_in_domain();
     const Number x = random_private_number();
     const Number y = public_number(x);
     const ParamBuilder builder(must(OSSL_PARAM_BLD_new()));
-    must(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_FFC_P, domain.p.get()) == 1);
-    must(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_FFC_Q, domain.q.get()) == 1);
-    must(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_FFC_G, domain.g.get()) == 1);
+    must(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_FFC_P, own.p.get()) == 1);
+    must(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_FFC_Q, own.q.get()) == 1);
+    must(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_FFC_G, own.g.get()) == 1);
     must(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_PUB_KEY, y.get()) == 1);
     must(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_PRIV_KEY, x.get()) == 1);
     const Params params(must(OSSL_PARAM_BLD_to_param(builder.get())));
