@@ -52,8 +52,5 @@ install(FILES "${PROJECT_BINARY_DIR}/ktbase.pc"
   DESTINATION "${ktbase_pkg_config_dir}" COMPONENT development)
 
 if(TARGET ktsign)
-  configure_file(tools/ktsign.1 ktsign.1 @ONLY)
-  install(TARGETS ktsign RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
-  install(FILES "${PROJECT_BINARY_DIR}/ktsign.1"
-    DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools)
+  include(cmake/install_tools.cmake)
 endif()

@@ -1,5 +1,7 @@
 // The shortest way to verify a file that fits in memory: one read, one call, yes or no.
 //
+// As in verify_file, `ktsign show PUB` prints the fingerprint of the key.
+//
 //   verify_buffer PUB FILE SIG    exit status: 0 valid, 1 not valid, 2 something else went wrong
 #include <fcntl.h>
 #include <ktbase/longarith.h>

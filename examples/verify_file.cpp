@@ -1,6 +1,9 @@
 // Verifies a signature over a file of any size: the file goes through the digest in pieces, and
 // CheckSignature says why a signature is refused.
 //
+// The library verifies with any key. `ktsign show PUB` prints the fingerprint to compare with the
+// vendor's, and says whether the key is sound.
+//
 //   verify_file PUB FILE SIG    exit status: 0 valid, 1 not valid, 2 something else went wrong
 #include <fcntl.h>
 #include <ktbase/longarith.h>

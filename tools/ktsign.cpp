@@ -1,128 +1,60 @@
-// ktsign: makes keys, signatures and key blobs for the library to verify.
-#include <ktbase/digest.h>
+// ktsign: makes domains, keys and signatures for the library, and verifies them with its code.
+#include <fcntl.h>
+#include <unistd.h>
 
-#include <cerrno>
+#include <clocale>
 #include <csignal>
-#include <cstdint>
-#include <cstdio>
-#include <cstring>
-#include <iostream>
-#include <string>
-#include <vector>
+#include <exception>
+#include <map>
 
-#include "files.h"
-#include "progress.h"
-#include "signing_key.h"
+#include "commands.h"
+#include "domain.h"
+#include "messages.h"
+#include "secrets.h"
 
 namespace {
 
-constexpr int kDone = 0;
-constexpr int kFailed = 2;
-
-constexpr char kUsage[] =
-    "usage: ktsign new-key KEY          make a key pair: KEY (private) and KEY.pub (public)\n"
-    "       ktsign public-key KEY PUB   write the public key of KEY to PUB\n"
-    "       ktsign sign KEY FILE SIG    write the signature of FILE to SIG\n"
-    "       ktsign --help | --version\n"
-    "The man page, ktsign(1), says what the files hold.\n";
-
-// From here on the digest would not be the one of FIPS 180.
-constexpr std::uint64_t kTooLong = std::uint64_t{1} << 29;
-constexpr std::size_t kMaxKeyFileBytes = 1 << 16;
-
-SigningKey read_key(const std::string& path) {
-    std::string pem;
-    read_pieces(path, [&](std::span<unsigned char> piece) {
-        pem.append(piece.begin(), piece.end());
-        if (pem.size() > kMaxKeyFileBytes) throw FileError(path, "too long for a key");
-    });
-    try {
-        return SigningKey::from_pem(pem);
-    } catch (const KeyError& error) {
-        throw FileError(path, error.what());
-    }
-}
-
-DigestInteger digest_file(const std::string& path) {
-    HASH_CTX ctx;
-    InitHash(&ctx);
-    std::uint64_t size = 0;
-    Progress progress(path);
-    read_pieces(path, [&](std::span<unsigned char> piece) {
-        size += piece.size();
-        if (size >= kTooLong)
-            throw FileError(path, "too long to sign, the limit is 2^29 - 1 bytes");
-        HashBuf(piece.data(), static_cast<unsigned>(piece.size()), &ctx);
-        progress.show(size);
-    });
-    EndHash(&ctx);
-    // The state words are the number's 32-bit digits, least significant first.
-    DigestInteger digest;
-    for (std::size_t i = 0; i < digest.size(); ++i)
-        digest[digest.size() - 1 - i] =
-            static_cast<unsigned char>(ctx.state[i / 4] >> (8 * (i % 4)));
-    return digest;
-}
-
-void refuse_to_overwrite(const std::string& output, const std::string& input) {
-    if (same_file(output, input)) throw FileError(output, "would be overwritten, it is an input");
-}
-
-void new_key(const std::string& path) {
-    const std::string public_path = path + ".pub";
-    const SigningKey key = SigningKey::generate();
-    const PublicKeyBlob blob = key.public_key();
-    create_file(path, key.to_pem(), Readers::owner);
-    try {
-        create_file(public_path, blob, Readers::everybody);
-    } catch (const FileError&) {
-        std::remove(path.c_str());
-        throw;
-    }
-}
-
-void public_key(const std::string& path, const std::string& output) {
-    refuse_to_overwrite(output, path);
-    replace_file(output, read_key(path).public_key());
-}
-
-void sign(const std::string& path, const std::string& file, const std::string& output) {
-    refuse_to_overwrite(output, path);
-    refuse_to_overwrite(output, file);
-    const SigningKey key = read_key(path);
-    replace_file(output, key.sign(digest_file(file)));
-}
-
-int run(const std::vector<std::string>& arguments) {
-    const std::string command = arguments.empty() ? "" : arguments[0];
-    const std::size_t operands = arguments.empty() ? 0 : arguments.size() - 1;
-    if (command == "new-key" && operands == 1)
-        new_key(arguments[1]);
-    else if (command == "public-key" && operands == 2)
-        public_key(arguments[1], arguments[2]);
-    else if (command == "sign" && operands == 3)
-        sign(arguments[1], arguments[2], arguments[3]);
-    else if (command == "--help" && operands == 0)
-        std::cout << kUsage;
-    else if (command == "--version" && operands == 0)
-        std::cout << "ktsign " << KTSIGN_VERSION << '\n';
-    else {
-        std::cerr << kUsage;
-        return kFailed;
-    }
+int help(const CommandLine& /*line*/) {
+    std::string usage = kUsage;
+    usage.pop_back();  // print_line ends the line
+    print_line(usage);
     return kDone;
+}
+
+int version(const CommandLine& /*line*/) {
+    print_line("ktsign " KTSIGN_VERSION);
+    print_line("domain-fingerprint " + fingerprint(built_in_domain()));
+    return kDone;
+}
+
+// Fills the places of closed standard descriptors, or a key could open as standard output and take
+// what is printed. The fillers fail when they are read or written.
+void fill_standard_descriptors() {
+    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (fcntl(fd, F_GETFD) == -1) open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
+
+int run(std::span<char*> arguments) {
+    const CommandLine line = parse_command_line(arguments);
+    const std::map<std::string, int (*)(const CommandLine&)> commands = {
+        {"new-domain", new_domain}, {"new-key", new_key},
+        {"public-key", public_key}, {"sign", sign},
+        {"verify", verify},         {"show", show},
+        {"--help", help},           {"--version", version}};
+    return commands.at(line.command)(line);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    fill_standard_descriptors();
+    protect_process();
+    std::setlocale(LC_CTYPE, "");
     std::signal(SIGXFSZ, SIG_IGN);  // a file too long for its limit is an error like others
     try {
-        const int status = run({argv + 1, argv + argc});
-        if (!std::cout.flush()) throw FileError("standard output", std::strerror(errno));
-        return status;
+        return run({argv + 1, argv + argc});
     } catch (const std::exception& error) {
-        std::cerr << "ktsign: " << error.what() << '\n';
+        complain(error.what());
         return kFailed;
     }
 }

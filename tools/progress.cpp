@@ -1,6 +1,5 @@
 #include "progress.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -8,15 +7,11 @@
 namespace {
 
 constexpr int kMiBBits = 20;
-constexpr std::uint64_t kLongBytes = 16 << kMiBBits;  // read before one could look up
+constexpr std::uint64_t kLongBytes = 16 << kMiBBits;  // a shorter file is read too fast for a line
 
 }  // namespace
 
-Progress::Progress(const std::string& path) : terminal_(isatty(STDERR_FILENO) == 1) {
-    struct stat status;
-    if (stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode))
-        size_ = static_cast<std::uint64_t>(status.st_size);
-}
+Progress::Progress(std::uint64_t size) : size_(size), terminal_(isatty(STDERR_FILENO) == 1) {}
 
 Progress::~Progress() {
     if (!shown_.empty()) rewrite("");
@@ -24,7 +19,7 @@ Progress::~Progress() {
 
 void Progress::show(std::uint64_t bytes_done) {
     if (!terminal_ || bytes_done < kLongBytes) return;
-    // A file may have grown since it was asked for its size.
+    // The file may have grown since.
     const std::string done = bytes_done <= size_ ? std::to_string(100 * bytes_done / size_) + " %"
                                                  : std::to_string(bytes_done >> kMiBBits) + " MiB";
     rewrite("ktsign: " + done + " read");
@@ -32,7 +27,7 @@ void Progress::show(std::uint64_t bytes_done) {
 
 void Progress::rewrite(const std::string& line) {
     if (line == shown_) return;
-    // Spaces over the end of a longer line: a terminal that knows no escapes shows none.
+    // Spaces overwrite the end of a longer line; not every terminal has an escape sequence for it.
     const std::size_t width = shown_.size();
     std::fprintf(stderr, "\r%-*s\r%s", static_cast<int>(width), line.c_str(), line.c_str());
     shown_ = line;

@@ -8,7 +8,7 @@
 // One line of standard error, rewritten in place and gone when the object is.
 class Progress {
 public:
-    explicit Progress(const std::string& path);
+    explicit Progress(std::uint64_t size);  // 0: unknown, as a pipe's is
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress();
@@ -18,7 +18,7 @@ public:
 private:
     void rewrite(const std::string& line);
 
-    std::uint64_t size_ = 0;  // 0: unknown, as a pipe's is
+    std::uint64_t size_;
     bool terminal_;
     std::string shown_;
 };

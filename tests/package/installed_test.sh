@@ -21,7 +21,7 @@ g++ -std=c++20 "$prefix/share/doc/ktbase/examples/verify_file.cpp" "${flags[@]}"
 # FIPS 180 (1993), appendix A.
 expect "host" "0164b8a914cd2a5e74c4f7ff082c4d97f1edf880 $version $version" "$(./host)"
 expect "pkg-config" "$version" "$(pkg-config --modversion ktbase)"
-expect "ktsign" "ktsign $version" "$("$prefix/bin/ktsign" --version)"
+expect "ktsign" "ktsign $version" "$("$prefix/bin/ktsign" --version | head -n 1)"
 expect "man page" "ktbase $version" "$(sed -n 's/^\.TH.*"\(ktbase [^"]*\)".*/\1/p' "$prefix/share/man/man1/ktsign.1")"
 expect "changelog" "$version" "$(sed -n 's/^## \[\([0-9.]*\)\] - 20..-..-..$/\1/p' "$changelog" | head -n 1)"
 expect "name" "[libktbase.so.${version%%.*}]" \
@@ -31,10 +31,11 @@ expect "links" "libktbase.so.$version libktbase.so.$version" \
 
 echo content > file
 "$prefix/bin/ktsign" new-key key
-"$prefix/bin/ktsign" sign key file sig
-expect "example" valid "$(./verify_file key.pub file sig)"
+"$prefix/bin/ktsign" sign key file
+expect "example" valid "$(./verify_file key.pub file file.sig)"
+expect "ktsign" "file: valid" "$("$prefix/bin/ktsign" verify key.pub file)"
 for command in $("$prefix/bin/ktsign" --help | grep -oE 'ktsign [a-z-]+|--[a-z]+' | sed 's/.* //'); do
-    sed 's/\\-/-/g' "$prefix/share/man/man1/ktsign.1" | grep -qE "^\.(TP|B|BI).*$command" ||
+    sed 's/\\-/-/g' "$prefix/share/man/man1/ktsign.1" | grep -qE "^(\.(TP|B|BI)|\\\\fB).*$command" ||
         expect "man page" "says what $command does" "does not"
 done
 

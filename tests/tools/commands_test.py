@@ -1,0 +1,131 @@
+"""What the commands of ktsign write and print, also when libcrypto or an input is faulty."""
+import os
+import pathlib
+import pty
+import subprocess
+import sys
+import termios
+import time
+import unittest
+
+from harness import BUILT, EXAMPLES, KTSIGN, Test, run
+
+FAULTY = "the signature just made does not match: a faulty key or machine"
+
+
+def on_a_terminal(*words, typed=""):
+    """Types a line at each prompt. Returns the exit status and what the terminal showed."""
+    child, terminal = pty.fork()
+    if child == 0:
+        os.execv(KTSIGN, [KTSIGN, *words])
+    shown, lines = "", typed.splitlines(keepends=True)
+    while True:
+        try:
+            shown += os.read(terminal, 4096).decode()
+        except OSError:  # the end of a terminal
+            os.close(terminal)
+            return os.waitstatus_to_exitcode(os.waitpid(child, 0)[1]), shown
+        if lines and shown.endswith(": "):
+            while termios.tcgetattr(terminal)[3] & termios.ECHO:
+                time.sleep(0.001)
+            os.write(terminal, lines.pop(0).encode())
+
+
+def with_passphrase(text, *words):
+    return run(*words, "--passphrase-fd", "0", input=text + "\n")
+
+
+class Commands(Test):
+    def setUp(self):
+        super().setUp()
+        self.does("new-key", "key", umask=0o277)
+        os.chmod("key.pub", 0o644)
+        pathlib.Path("file").write_text("content")
+
+    def interposed(self, *words, **variables):
+        return run(*words, env={**os.environ, "LD_PRELOAD": BUILT + "/libinterposed.so", **variables})
+
+    def test_a_private_key_is_its_owners_under_any_umask(self):
+        self.assertEqual(0o100600, os.stat("key").st_mode)
+
+    def test_a_replaced_signature_keeps_its_owner_with_its_permissions(self):
+        pathlib.Path("file.sig").touch()
+        owner = 12 if os.geteuid() == 0 else os.geteuid()
+        os.chown("file.sig", owner, -1)
+        os.chmod("file.sig", 0o640)
+        self.does("sign", "key", "file")
+        self.assertEqual((owner, 0o100640), (os.stat("file.sig").st_uid, os.stat("file.sig").st_mode))
+
+    def test_standard_output_is_written_through(self):
+        with open("collected", "wb") as collected:
+            for _ in range(2):
+                subprocess.run([KTSIGN, "sign", "-o", "-", "key", "file"], stdout=collected, check=True)
+        self.assertEqual(80, os.path.getsize("collected"))
+
+    def test_each_of_many_files_is_signed_or_named(self):
+        done = run("sign", "key", "none", "file")
+        self.assertEqual((2, "ktsign: none: No such file or directory\n"), (done.returncode, done.stderr))
+        self.assertEqual("file: valid\n", self.does("verify", "key.pub", "file"))
+
+    def test_every_verifier_gives_the_reason(self):
+        self.does("sign", "key", "file")
+        signature = pathlib.Path("file.sig").read_bytes()
+        verdicts = {"file": ("valid", signature), "zero": ("r or s is zero", bytes(40)),
+                    "high": ("r or s out of range", b"\xff" * 40),
+                    "other\n": ("signature does not match", signature)}
+        for name, (verdict, blob) in verdicts.items():
+            pathlib.Path(name + ".sig").write_bytes(blob)
+            pathlib.Path(name).write_text("content" if name == "file" else "")
+            host = run("key.pub", name, name + ".sig", program=EXAMPLES + "/verify_file")
+            self.assertEqual(verdict + "\n", host.stdout)
+            host = run("key.pub", name, name + ".sig", program=EXAMPLES + "/verify_buffer")
+            self.assertEqual("valid\n" if verdict == "valid" else "not valid\n", host.stdout)
+        done = run("verify", "key.pub", *verdicts)
+        self.assertEqual("".join(name.replace("\n", "\\x0a") + f": {verdict}\n"
+                                 for name, (verdict, _) in verdicts.items()), done.stdout)
+        self.assertEqual(1, done.returncode)
+
+    def test_a_key_that_openssl_encrypted_signs(self):
+        self.does("pkey", "-in", "key", "-aes256", "-passout", "pass:secret", "-out", "locked", program="openssl")
+        self.assertEqual(0, with_passphrase("secret", "sign", "locked", "file").returncode)
+        self.does("verify", "key.pub", "file")
+
+    def test_a_new_passphrase_is_typed_twice_alike(self):
+        self.assertEqual(0, on_a_terminal("new-key", "--encrypt", "locked", typed="one\none\n")[0])
+        self.assertEqual(0, with_passphrase("one", "sign", "locked", "file").returncode)
+        self.assertEqual(2, with_passphrase("two", "sign", "locked", "file").returncode)
+        self.assertEqual(2, on_a_terminal("new-key", "--encrypt", "other", typed="one\ntwo\n")[0])
+        self.assertFalse(os.path.exists("other"))
+
+    def test_progress_of_a_long_file_is_gone_at_the_end(self):
+        os.truncate("file", 1 << 25)
+        shown = on_a_terminal("sign", "key", "file")[1]
+        self.assertIn("\rktsign: 50 % read", shown)
+        self.assertEqual("", shown.rsplit("\r", 1)[1].strip())
+
+    def test_a_readable_private_key_is_warned_of(self):
+        os.chmod("key", 0o640)
+        self.assertEqual("ktsign: key: warning: others than its owner may read this private key\n",
+                         run("sign", "key", "file").stderr)
+
+    def test_faults_are_noticed_before_a_signature_is_written(self):
+        for fault, message in {"sign": f"libcrypto: {FAULTY}", "sign verify": f"the library: {FAULTY}",
+                               "change": "file: changed while it was read"}.items():
+            done = self.interposed("sign", "key", "file", KTSIGN_FAULT=fault)
+            self.assertEqual((2, f"ktsign: {message}\n"), (done.returncode, done.stderr))
+            self.assertFalse(os.path.exists("file.sig"))
+
+    def test_every_output_is_synced_before_its_directory(self):
+        for words, expected in {("sign", "key", "file"): "fd", ("public-key", "key", "copy"): "fd",
+                                ("new-domain", "domain"): "fd", ("new-key", "other"): "ffdd"}.items():
+            pathlib.Path("syncs").unlink(missing_ok=True)
+            self.assertEqual(0, self.interposed(*words, KTSIGN_SYNCS="syncs").returncode)
+            self.assertEqual(expected, pathlib.Path("syncs").read_text(), words)
+
+    def test_ktsign_is_hardened(self):
+        headers = self.does("-hldW", "--dyn-syms", KTSIGN, program="readelf")
+        for mark in ["DYN (Position-Independent", "GNU_RELRO", "BIND_NOW", "__stack_chk_fail"]:
+            self.assertIn(mark, headers)
+
+
+unittest.main(argv=sys.argv[:1])

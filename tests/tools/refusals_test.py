@@ -1,0 +1,172 @@
+"""What ktsign refuses: one line, exit status 2, and every file stays as it was."""
+import base64
+import os
+import pathlib
+import subprocess
+import sys
+import unittest
+
+from harness import BUILT, EXAMPLES, KTSIGN, Test, domain_numbers, run
+
+P, Q, G = domain_numbers(os.environ["DOMAIN"])
+
+# The line on standard error, which begins with the program, and the arguments.
+REFUSALS = {
+    "ktsign: no command; see ktsign --help": "",
+    "ktsign: nonsense: not a command; see ktsign --help": "nonsense",
+    "ktsign: sign: takes KEY FILE...; see ktsign --help": "sign key",
+    "ktsign: sign: one signature is for one FILE; see ktsign --help": "sign -o new key file text",
+    "ktsign: verify: does not take --force; see ktsign --help": "verify --force key.pub file",
+    "ktsign: sign: standard input is named more than once": "sign - -",
+    "ktsign: -key: not an option; write ./-key for a file of this name": "sign -key file",
+    "ktsign: --passphrase-fd: not a descriptor: 1x": "show key --passphrase-fd 1x",
+    "ktsign: key: File exists": "new-key key",
+    "ktsign: half.pub: File exists": "new-key half",
+    "ktsign: nowhere/new: No such file or directory": "new-key nowhere/new",
+    "ktsign: none: No such file or directory": "sign none file",
+    "ktsign: line\\x0aend: No such file or directory": "show line\nend",
+    "ktsign: half.pub: Is a directory": "sign key half.pub",
+    "ktsign: text: exists and is not a signature; --force replaces it": "sign -o text key file",
+    "ktsign: text: exists and is not a public key; --force replaces it": "public-key key text",
+    "ktsign: text: exists and is not empty; --force replaces it": "new-domain text",
+    "ktsign: lost: a link that leads to no file": "sign -o lost key file",
+    "ktsign: loop: Too many levels of symbolic links": "sign -o loop key file",
+    "ktsign: text/new: Not a directory": "sign -o text/new key file",
+    "ktsign: forty.sig: would be overwritten, it is an input": "sign key forty",
+    "ktsign: new: would be overwritten, it is an input": "sign -o new key new",
+    "ktsign: key: would be overwritten, it is an input": "public-key --force key key",
+    "ktsign: key.pub: would be overwritten, it is an input": "sign --force -o key.pub key file",
+    "ktsign: /dev/full: No space left on device": "sign -o /dev/full key file",
+    "ktsign: long: too long, the limit is 2^29 - 1 bytes": "sign key long",
+    "ktsign: text: not a private key in PEM": "sign text file",
+    "ktsign: long: too long for a key": "sign long file",
+    "ktsign: rsa: not a DSA key": "sign rsa file",
+    "ktsign: large: not a DSA key with a p of 512 bits and a q of 160": "sign large file",
+    "ktsign: foreign: a key of another domain": "sign foreign file",
+    "ktsign: mixed: the public value does not belong to the private key": "sign mixed file",
+    "ktsign: strange.pub: not the public key of strange": "sign strange file",
+    "ktsign: locked: no terminal for the passphrase; use --passphrase-fd": "sign locked file",
+    "ktsign: passphrase descriptor 77: Bad file descriptor": "show locked --passphrase-fd 77",
+    "ktsign: standard input: its signature has no name; use -o": "sign key -",
+    "ktsign: text: not a public key, which has 256 bytes": "verify text file",
+    "ktsign: text: not a signature, which has 40 bytes": "verify -s text key.pub file",
+    "ktsign: p.pub: not a sound public key: component 0 is not below p": "verify p.pub file",
+    "ktsign: one.pub: not a sound public key: y is not above 1": "verify one.pub file",
+    "ktsign: two.pub: not a sound public key: y^q is not 1": "verify two.pub file",
+    "ktsign: swapped.pub: not a sound public key: its components are not 2^40 powers apart":
+        "verify swapped.pub file",
+    "ktsign: text: not a private key, a public key or a domain": "show text",
+    'ktsign: bad.domain: no line "p = HEX"': "show bad.domain",
+    "verify_file: text: not a public key, which has 256 bytes": "text file key.pub",
+    "verify_file: text: not a signature, which has 40 bytes": "key.pub file text",
+    "verify_file: none: No such file or directory": "key.pub none forty",
+    "verify_file: half.pub: Is a directory": "key.pub half.pub forty",
+    "verify_buffer: text: not a blob of the right length": "text file forty",
+    "verify_buffer: none: No such file or directory": "key.pub none forty",
+    "verify_buffer: /proc/version: not a file that can be read at once": "key.pub /proc/version forty",
+}
+
+PROGRAMS = {"ktsign": KTSIGN, "verify_file": EXAMPLES + "/verify_file",
+            "verify_buffer": EXAMPLES + "/verify_buffer"}
+
+
+def contents():
+    """What the files here hold, but for the long one."""
+    return {name: pathlib.Path(name).read_bytes()
+            for name in os.listdir() if os.path.isfile(name) and name != "long"}
+
+
+def openssl(command):
+    subprocess.run(["openssl", *command.split()], check=True, capture_output=True)
+
+
+def write_public_key(name, *components):
+    """A blob of numbers in Montgomery form."""
+    pathlib.Path(name).write_bytes(b"".join(y.to_bytes(64, "little") for y in components))
+
+
+def integer(number):
+    octets = number.to_bytes(number.bit_length() // 8 + 1, "big")
+    return bytes([2, len(octets)]) + octets
+
+
+def write_pem(name, kind, der):
+    text = base64.encodebytes(der).decode()
+    pathlib.Path(name).write_text(f"-----BEGIN {kind}-----\n{text}-----END {kind}-----\n")
+
+
+def write_mixed_key():
+    """In the form that has a y of its own: x is 1, but y is 2, not g."""
+    fields = b"".join(integer(number) for number in [0, P, Q, G, 2, 1])
+    write_pem("mixed", "DSA PRIVATE KEY", bytes([0x30, 0x81, len(fields)]) + fields)
+
+
+class Refusals(Test):
+    def setUp(self):
+        super().setUp()
+        self.does("new-key", "key")
+        for name in ["file", "text"]:
+            pathlib.Path(name).write_text("content")
+
+    def make_the_inputs(self):
+        os.mkdir("half.pub")
+        os.symlink("missing", "lost")
+        os.symlink("loop", "loop")
+        pathlib.Path("bad.domain").write_text("q = 1")
+        pathlib.Path("forty").write_bytes(bytes(40))
+        os.link("forty", "forty.sig")
+        pathlib.Path("long").touch()
+        os.truncate("long", 1 << 29)
+        openssl("genpkey -algorithm RSA -pkeyopt rsa_keygen_bits:1024 -out rsa")
+        openssl("genpkey -genparam -algorithm DSA -pkeyopt dsa_paramgen_bits:1024 -out parameters")
+        openssl("genpkey -paramfile parameters -out large")
+        self.does("new-key", "foreign", program=BUILT + "/ktsign_fresh")
+        os.remove("foreign.pub")
+        openssl("pkey -in key -aes256 -passout pass:secret -out locked")
+        write_mixed_key()
+        self.does("new-key", "strange")
+        os.replace("strange.pub", "other.pub")
+        pathlib.Path("strange.pub").write_bytes(pathlib.Path("key.pub").read_bytes())
+        key = pathlib.Path("key.pub").read_bytes()
+        pathlib.Path("swapped.pub").write_bytes(key[:64] + key[128:192] + key[64:128] + key[192:])
+        write_public_key("p.pub", P, P, P, P)
+        write_public_key("one.pub", *[2**512 % P] * 4)
+        write_public_key("two.pub", *[pow(2, 2**(40 * j), P) * 2**512 % P for j in range(4)])
+
+    def expect_refusal(self, line, words):
+        before = contents()
+        program = PROGRAMS[line.split(":")[0]]
+        done = run(*words.split(" ") if words else [], program=program,
+                   start_new_session=True, stdin=subprocess.DEVNULL)  # no terminal
+        self.assertEqual((2, line + "\n"), (done.returncode, done.stderr))
+        self.assertEqual(before, contents())
+
+    def test_bad_input_is_refused(self):
+        self.make_the_inputs()
+        for line, words in REFUSALS.items():
+            with self.subTest(line):
+                self.expect_refusal(line, words)
+
+    def test_force_replaces_any_file(self):
+        self.does("sign", "--force", "-o", "text", "key", "file")
+        self.assertEqual("file: valid\n", self.does("verify", "-s", "text", "key.pub", "file"))
+
+    def test_a_private_key_with_a_flipped_bit_is_refused(self):
+        der = base64.b64decode("".join(pathlib.Path("key").read_text().splitlines()[1:-1]))
+        for bit in range(48, 8 * len(der), 11):  # the version before means nothing
+            flipped = bytearray(der)
+            flipped[bit // 8] ^= 1 << bit % 8
+            write_pem("key", "PRIVATE KEY", flipped)
+            self.assertEqual(2, run("sign", "key", "file").returncode, bit)
+        self.assertFalse(os.path.exists("file.sig"))
+
+    def test_a_full_standard_output_is_an_error(self):
+        self.does("sign", "key", "file")
+        for name, words in {"ktsign": "--version", "verify_file": "key.pub file file.sig",
+                            "verify_buffer": "key.pub file file.sig"}.items():
+            done = run("-c", f"'{PROGRAMS[name]}' {words} > /dev/full", program="sh")
+            self.assertEqual((2, f"{name}: standard output: No space left on device\n"),
+                             (done.returncode, done.stderr))
+
+
+unittest.main(argv=sys.argv[:1])

@@ -1,0 +1,30 @@
+// DSA domains as numbers of libcrypto: the built-in one, and others that keys and files bring.
+#ifndef KTBASE_TOOLS_DOMAIN_H
+#define KTBASE_TOOLS_DOMAIN_H
+
+#include <string>
+
+#include "libcrypto.h"
+
+struct DomainNumbers {
+    Number p;
+    Number q;
+    Number g;
+};
+
+const DomainNumbers& built_in_domain();
+bool operator==(const DomainNumbers& a, const DomainNumbers& b);
+
+// True when p has 512 bits and q has 160.
+bool has_the_size(const DomainNumbers& domain);
+
+// SHA-256 of p (64 bytes), q (20) and g (64), each most significant byte first, in hexadecimal.
+std::string fingerprint(const DomainNumbers& domain);
+
+// Parses and checks the text of a domain file with the code of the build. Throws Failure.
+DomainNumbers parse_domain_file(const std::string& name, const std::string& text);
+
+// Generates p, q and g, and returns the text of a domain file. Throws Failure.
+std::string generate_domain_file();
+
+#endif

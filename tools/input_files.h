@@ -1,0 +1,52 @@
+// Files that ktsign reads. The name "-" is standard input.
+#ifndef KTBASE_TOOLS_INPUT_FILES_H
+#define KTBASE_TOOLS_INPUT_FILES_H
+
+#include <sys/stat.h>
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "descriptor.h"
+#include "messages.h"
+#include "secrets.h"
+
+class InputFile {
+public:
+    explicit InputFile(const std::string& name);  // throws Failure, as every function here
+
+    const std::string& name() const { return name_; }
+    const struct stat& status() const { return status_; }
+    std::optional<std::uint64_t> size() const;  // of a regular file
+
+    // Reads up to the size of `buffer`. Returns the bytes read, fewer only at the end.
+    std::size_t read(std::span<unsigned char> buffer);
+    // Throws when size or time is another one than at the opening.
+    void require_unchanged() const;
+
+private:
+    struct stat query() const;
+
+    std::string name_;
+    Descriptor descriptor_;
+    struct stat status_;
+};
+
+// Reads a whole file of at most `limit` bytes. Throws Failure with `too_long` for a longer one.
+SecretBytes read_at_most(InputFile& file, std::size_t limit, const std::string& too_long);
+
+// Reads a file of exactly Size bytes.
+template <std::size_t Size>
+std::array<unsigned char, Size> read_blob(const std::string& name, const std::string& kind) {
+    const std::string reason = "not a " + kind + ", which has " + std::to_string(Size) + " bytes";
+    InputFile file(name);
+    std::array<unsigned char, Size> blob;
+    std::array<unsigned char, 1> beyond;
+    if (file.read(blob) != Size || file.read(beyond) != 0) throw Failure(name, reason);
+    return blob;
+}
+
+#endif

@@ -1,0 +1,83 @@
+// new-domain, new-key and public-key.
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "commands.h"
+#include "domain.h"
+#include "messages.h"
+#include "output_files.h"
+#include "private_key.h"
+
+namespace {
+
+constexpr mode_t kOthers = S_IRWXG | S_IRWXO;
+
+// SIGKILL between the two names leaves the private key without a public one. A file that belongs to
+// another user, or that others have access to, is not taken for such a key.
+bool is_left_alone(const std::string& private_name) {
+    struct stat status;
+    if (name_exists(private_name + ".pub") || lstat(private_name.c_str(), &status) == -1)
+        return false;
+    return S_ISREG(status.st_mode) && status.st_uid == geteuid() && status.st_size != 0 &&
+           (status.st_mode & kOthers) == 0;
+}
+
+OutputFile public_key_output(const std::string& name, bool force) {
+    return OutputFile(name, {"a public key", sizeof(PublicKeyBlob), force});
+}
+
+void complete_key_pair(const std::string& private_name, Passphrase& passphrase) {
+    const std::string public_name = private_name + ".pub";
+    const PrivateKey key = read_own_private_key(private_name, passphrase);
+    public_key_output(public_name, false).write(key.public_key());
+    complain(quoted(private_name) + ": existed without " + quoted(public_name) +
+             "; kept, and the public key made from it");
+}
+
+}  // namespace
+
+int new_domain(const CommandLine& line) {
+    const OutputFile output(line.operands[0], {"empty", std::nullopt, line.force});
+    const std::string text = generate_domain_file();
+    output.write(ConstBytes(reinterpret_cast<const unsigned char*>(text.data()), text.size()));
+    return kDone;
+}
+
+int new_key(const CommandLine& line) {
+    const std::string& name = line.operands[0];
+    if (name == "-") throw Failure("new-key: a key pair is two files, not standard output");
+    Passphrase passphrase(line.passphrase_fd);
+    if (is_left_alone(name)) {
+        complete_key_pair(name, passphrase);
+        return kDone;
+    }
+    if (name_exists(name) && !name_exists(name + ".pub"))
+        throw Failure(name, "exists; \"ktsign public-key\" makes its public key");
+    for (const std::string& file : {name, name + ".pub"}) {
+        if (!name_exists(file)) continue;
+        errno = EEXIST;
+        fail_with_errno(file);
+    }
+    const SecretBytes* const text = line.encrypt ? &passphrase.for_new_key(name) : nullptr;
+    const PrivateKey key = PrivateKey::generate();
+    create_key_pair(name, key.to_pem(text), name + ".pub", key.public_key());
+    return kDone;
+}
+
+int public_key(const CommandLine& line) {
+    const std::string& name = line.operands[0];
+    const std::string& output_name = line.operands[1];
+    const OutputFile output = public_key_output(output_name, line.force);
+    if (name != "-" && output.identity() && output.identity() == file_identity(name))
+        throw Failure(output_name, "would be overwritten, it is an input");
+    Passphrase passphrase(line.passphrase_fd);
+    const PrivateKey key = read_own_private_key(name, passphrase);
+    // --force replaces also the public key that would have to match.
+    const bool replaces_other =
+        output.identity() && output.identity() == file_identity(name + ".pub");
+    if (!replaces_other || !(line.force || output.is_empty())) require_match_beside(key, name);
+    output.write(key.public_key());
+    return kDone;
+}

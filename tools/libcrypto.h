@@ -1,0 +1,44 @@
+// libcrypto's objects with an owner, and its errors as exceptions.
+#ifndef KTBASE_TOOLS_LIBCRYPTO_H
+#define KTBASE_TOOLS_LIBCRYPTO_H
+
+#include <openssl/bn.h>
+
+#include <memory>
+#include <span>
+#include <string>
+
+using ConstBytes = std::span<const unsigned char>;
+
+template <auto Function>
+struct Releaser {
+    template <class T>
+    void operator()(T* object) const {
+        Function(object);
+    }
+};
+template <class T, auto Function>
+using Owned = std::unique_ptr<T, Releaser<Function>>;
+
+using Number = Owned<BIGNUM, BN_clear_free>;
+using NumberContext = Owned<BN_CTX, BN_CTX_free>;
+
+// Throws a Failure with the first error in libcrypto's queue, and empties the queue. The errors
+// after the first one only name the functions that passed it on.
+[[noreturn]] void fail_with_libcrypto();
+
+// Returns what a libcrypto function returned. Throws Failure when it says that the function failed.
+template <class Result>
+Result must(Result result) {
+    if (!result) fail_with_libcrypto();
+    return result;
+}
+
+Number number(BN_ULONG value = 0);
+Number number_from_hexadecimal(const char* digits);
+Number number_from_little_endian(ConstBytes bytes);
+NumberContext number_context();
+
+std::string sha256_hexadecimal(ConstBytes bytes);
+
+#endif

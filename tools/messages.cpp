@@ -1,0 +1,48 @@
+#include "messages.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <cwchar>
+#include <cwctype>
+
+std::string quoted(const std::string& name, const std::string& dash) {
+    if (name == "-") return dash;
+    std::string text;
+    std::mbstate_t state{};
+    for (std::size_t at = 0; at < name.size();) {
+        wchar_t character = 0;
+        std::size_t length = std::mbrtowc(&character, &name[at], name.size() - at, &state);
+        const bool complete = length <= name.size();
+        if (!complete || length == 0) {  // an invalid sequence, or a NUL
+            state = {};
+            length = 1;
+        }
+        if (complete && std::iswprint(static_cast<std::wint_t>(character)) != 0) {
+            text += name[at] == '\\' ? "\\\\" : name.substr(at, length);
+        } else {
+            for (std::size_t i = at; i < at + length; ++i) {
+                std::array<char, 5> escape{};
+                std::snprintf(escape.data(), escape.size(), "\\x%02x",
+                              static_cast<unsigned char>(name[i]));
+                text += escape.data();
+            }
+        }
+        at += length;
+    }
+    return text;
+}
+
+void fail_with_errno(const std::string& name) {
+    throw Failure(name, std::strerror(errno));
+}
+
+void complain(const std::string& message) {
+    std::fprintf(stderr, "ktsign: %s\n", message.c_str());
+}
+
+void print_line(const std::string& line) {
+    if (std::puts(line.c_str()) == EOF || std::fflush(stdout) == EOF)
+        fail_with_errno("standard output");
+}

@@ -1,0 +1,24 @@
+// Public keys in the encoding that the library verifies with.
+#ifndef KTBASE_TOOLS_PUBLIC_KEY_H
+#define KTBASE_TOOLS_PUBLIC_KEY_H
+
+#include <array>
+#include <string>
+
+#include "domain.h"
+
+// For j = 0 to 3 the number y^(2^(40j)) * 2^512 mod p, 64 bytes each, least significant first.
+using PublicKeyBlob = std::array<unsigned char, 256>;
+
+PublicKeyBlob read_public_key(const std::string& name);  // throws Failure
+
+PublicKeyBlob public_key_of(const BIGNUM* y, const BIGNUM* p);
+
+// Returns why no honest signer makes such a key in the built-in domain, or "" for a sound key. The
+// library verifies with any key: one of components equal to p accepts the r of 1 over every file,
+// and with y = 1 everybody can sign.
+std::string unsoundness(const PublicKeyBlob& key);
+
+std::string fingerprint(const PublicKeyBlob& key);  // SHA-256 in hexadecimal
+
+#endif
