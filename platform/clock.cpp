@@ -5,10 +5,10 @@
 #include <cstddef>
 #include <cstring>
 
-// The strtoul of ISO C99. From glibc 2.38 on, <cstdlib> redirects strtoul to a function that accepts
-// "0b" as well and that older systems lack.
-extern "C" unsigned long iso_c99_strtoul(const char* text, char** end,
-                                         int base) noexcept __asm__("strtoul");
+// The strtoul of ISO C99. From glibc 2.38 on, <cstdlib> redirects strtoul to a function that
+// accepts "0b" as well and that older systems lack.
+extern "C" unsigned long iso_c99_strtoul(const char* text, char** end, int base) noexcept
+    __asm__("strtoul");
 
 static_assert(sizeof(std::time_t) == 4);
 static_assert(sizeof(KtLocalDate) == 44);

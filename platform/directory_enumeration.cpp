@@ -1,4 +1,4 @@
-// The entries of one directory that match a wildcard mask, in the order of the stream.
+// Enumerates the entries of one directory that match a wildcard mask, in the order of the stream.
 #include <dirent.h>
 #include <fnmatch.h>
 #include <ktbase/platform.h>
@@ -26,26 +26,28 @@ namespace {
 constexpr KtFindHandle kNoFind = -1;
 constexpr KtFileAttributes kUnknown = -1;
 constexpr std::int32_t kUnknownSize = -1;
-constexpr off64_t kLargestSize = off64_t{1} << 31;  // still passes
+constexpr off64_t kLargestSize = off64_t{1} << 31;  // a file of this size is not too large
 
-class ErrnoKeeper {
+// Restores errno at the end of its scope.
+class ErrnoGuard {
 public:
-    ErrnoKeeper() : kept_(errno) {}
-    ~ErrnoKeeper() { errno = kept_; }
-    ErrnoKeeper(const ErrnoKeeper&) = delete;
-    ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
+    ErrnoGuard() : saved_(errno) {}
+    ~ErrnoGuard() { errno = saved_; }
+    ErrnoGuard(const ErrnoGuard&) = delete;
+    ErrnoGuard& operator=(const ErrnoGuard&) = delete;
 
 private:
-    int kept_;
+    int saved_;
 };
 
-// Keeps the name of the process locale in `kept` and switches the process to "C". A locale without
-// a name could not be restored, so it stays. False when there is no memory for the name.
-bool enter_c_locale(char*& kept) {
+// Copies the name of the process locale to `old_name` and sets the locale to "C". Leaves the locale
+// as it is if its name cannot be queried, because it could not be restored. Returns false if there
+// is no memory for the copy.
+bool enter_c_locale(char*& old_name) {
     const char* const name = std::setlocale(LC_ALL, nullptr);
     if (name == nullptr) return true;
-    kept = strdup(name);
-    if (kept == nullptr) return false;
+    old_name = strdup(name);
+    if (old_name == nullptr) return false;
     std::setlocale(LC_ALL, "C");
     return true;
 }
@@ -69,12 +71,13 @@ bool is_dot_directory(Dirent* found) {
     return (name == "." || name == "..") && KtIsDirectory(KtFindGetFileAttributes(found)) != 0;
 }
 
-// Makes the next entry that the mask takes the current one. False when the stream has no more of
-// them, with errno as it was, or cannot be read, with the stream's errno.
-bool advance(DIR* stream, Dirent* found) {
+// Reads entries until one matches the mask, and queries its attributes. Returns false at the end of
+// the stream, with errno unchanged, and on a read error, with the errno of the error.
+bool read_next_match(DIR* stream, Dirent* found) {
     const int errno_before = errno;
     do {
-        errno = 0;  // only this tells a read error from the end
+        found->isLink = 0;
+        errno = 0;  // readdir64 returns null at the end and on an error, but sets errno only then
         found->entry = readdir64(stream);
         if (found->entry == nullptr) {
             if (errno == 0) errno = errno_before;
@@ -86,11 +89,13 @@ bool advance(DIR* stream, Dirent* found) {
     return true;
 }
 
-// Releases what there is of an enumeration and leaves errno alone.
-void release(DIR* stream, Dirent* found) {
-    const ErrnoKeeper keeper;
+void destroy(Dirent* found) {
+    const ErrnoGuard guard;
     delete found;
-    if (stream == nullptr) return;
+}
+
+void close_stream(DIR* stream) {
+    const ErrnoGuard guard;
     if (SYS_OPENFILES > 0) --SYS_OPENFILES;
     closedir(stream);
 }
@@ -114,11 +119,11 @@ Dirent::Dirent(const char* pattern) {
 
 Dirent::~Dirent() {
     if (oldLocale != nullptr) {
-        // It takes memory for a locale other than "C"; what failed once may be had now.
+        // setlocale needs memory for a locale other than "C". A second call may get it.
         if (std::setlocale(LC_ALL, oldLocale) == nullptr) std::setlocale(LC_ALL, oldLocale);
         std::free(oldLocale);
     }
-    // Volatile, or the store into a dying object would be dropped.
+    // volatile keeps the store: a host may examine the storage of an object that it made in place.
     static_cast<volatile std::int32_t&>(isLink) = 0;
     delete[] mask;
     delete[] dir;
@@ -139,7 +144,7 @@ int Dirent::setLastName() {
 }
 
 void Dirent::setAttr() {
-    const ErrnoKeeper keeper;
+    const ErrnoGuard guard;
     size = kUnknownSize;
     attr = targetAttr = kUnknown;
     error = 0;
@@ -184,20 +189,21 @@ KtFindHandle KtFindFirst(const char* pattern, Dirent** found) {
     }
     Dirent* const current = new (std::nothrow) Dirent(pattern);
     if (!is_complete(current)) {
-        release(nullptr, current);
+        delete current;
         errno = ENOMEM;
         return kNoFind;
     }
     DIR* const stream = opendir(current->dir);
     if (stream == nullptr) {
-        release(nullptr, current);
+        destroy(current);
         return kNoFind;
     }
     ++SYS_OPENFILES;
-    errno = 0;  // whatever the locale switch and the open left
-    if (!advance(stream, current)) {
+    errno = 0;  // setlocale and opendir may set it although they succeed
+    if (!read_next_match(stream, current)) {
         if (errno == 0) errno = ENOENT;
-        release(stream, current);
+        close_stream(stream);
+        destroy(current);
         return kNoFind;
     }
     *found = current;
@@ -210,12 +216,13 @@ KtFindHandle KtFindFirst(const char* pattern, Dirent** found) {
 int KtFindNext(KtFindHandle find, Dirent* found) {
     DIR* const stream = std::bit_cast<DIR*>(find);
     if (stream == nullptr) {
-        release(nullptr, found);
+        destroy(found);
         return -1;
     }
     if (find == kNoFind || found == nullptr) return -1;
-    if (advance(stream, found)) return 0;
-    release(stream, found);
+    if (read_next_match(stream, found)) return 0;
+    destroy(found);
+    close_stream(stream);
     return -1;
 }
 

@@ -13,8 +13,8 @@ constexpr KtFileHandle kInvalidHandle = -1;
 
 KtFileHandle KtOpenFile(const char* path, int flags, int extra, int /*unused*/) {
     if (SYS_OPENFILES >= SYS_MAXFILES) return kInvalidHandle;
-    // Creation is asked for in `flags` alone, and only there does a mode go along; the type bit in
-    // it says "regular file" and is ignored by the system.
+    // Only O_CREAT in `flags` selects creation. open() has a mode only then. The system ignores the
+    // type bit of the mode, S_IFREG.
     const KtFileHandle file = (flags & O_CREAT) != 0
                                   ? open(path, flags | extra, S_IFREG | S_IRUSR | S_IWUSR)
                                   : open(path, flags | O_LARGEFILE | extra);
@@ -39,7 +39,7 @@ std::int32_t KtSeekFile(KtFileHandle file, std::int32_t offset, int origin) {
 }
 
 std::int32_t KtGetFileLength(KtFileHandle file) {
-    struct stat status;  // the 32-bit record: EOVERFLOW above 2 GiB - 1
+    struct stat status;  // 32-bit: fstat fails with EOVERFLOW above 2 GiB - 1
     if (fstat(file, &status) == -1) return -1;
     return status.st_size;
 }
