@@ -16,18 +16,19 @@ constexpr char kSeparator = '\\';
 constexpr std::size_t kPathStart = 1;
 constexpr std::size_t kPathSize = 4096;
 
-// A word occupies at least two of the 4,097 characters before the last NUL: one of its own and the
-// space or quote that ends it. The last word needs no end. argv[0] takes one entry more.
+// `text` holds 4,097 characters before its last NUL. A word occupies at least two of them: one of
+// its own and a space, or two quotes. Only the last word may occupy one. The table starts with
+// argv[0].
 constexpr std::size_t kDefaultTableSize = (sizeof(KtCmdLine::text) - 1 + 1) / 2 + 1;
 char* default_table[kDefaultTableSize];
 
-void use_backslashes(char* text) {
+void convert_slashes(char* text) {
     std::replace(text, text + std::strlen(text), '/', kSeparator);
 }
 
-char* copy_with_backslashes(char* out, const char* name) {
+char* copy_converted(char* out, const char* name) {
     std::strcpy(out, name);
-    use_backslashes(out);
+    convert_slashes(out);
     return out;
 }
 
@@ -36,14 +37,14 @@ char* join(char* out, const char* prefix, std::size_t length, const char* name) 
     return out;
 }
 
-// Replaces the spaces at `p` by NULs and returns the first character after them.
+// Replaces the spaces at `p` by NULs. Returns the position after them.
 char* clear_spaces(char* p) {
     while (*p == ' ') *p++ = '\0';
     return p;
 }
 
-// Finds the end of the word at `p`. Removes an opening quote from the text and replaces the closing
-// quote by a NUL. Returns the position after the word.
+// Scans the word at `p`. Removes its opening quote from the text, and replaces its closing quote by
+// the NUL that ends the word. Returns the position after the word.
 char* scan_word(char* p) {
     bool quoted = false;
     while (*p != '\0' && (quoted || *p != ' ')) {
@@ -54,7 +55,7 @@ char* scan_word(char* p) {
             return p + 1;
         } else {
             quoted = true;
-            std::memmove(p, p + 1, std::strlen(p));  // the rest of the text and its NUL
+            std::memmove(p, p + 1, std::strlen(p));  // the rest of the text with its NUL
         }
     }
     return p;
@@ -71,7 +72,7 @@ KtCmdLine::KtCmdLine(int argc, char** argv) : text{}, argc(argc), argv(argv) {
     pCmdLine = this;
     if (argc < 1) return;
     std::strncpy(text + kPathStart, argv[0], kPathSize);
-    use_backslashes(text + kPathStart);
+    convert_slashes(text + kPathStart);
 }
 
 int KtCmdLine::ParseCmdLine() {
@@ -87,7 +88,7 @@ int KtCmdLine::ParseCmdLine() {
 char* KtCmdLine::MakeFullPath(const char* name, char* out) {
     if (name == nullptr || out == nullptr) return out;
     const char* const path = text + kPathStart;
-    if (name[0] == kSeparator && name[1] == kSeparator) return copy_with_backslashes(out, name);
+    if (name[0] == kSeparator && name[1] == kSeparator) return copy_converted(out, name);
     if (name[0] == kSeparator) {
         const char* const root = std::strchr(path, kSeparator);
         return join(out, path, root == nullptr ? 0 : root - path, name);
@@ -97,6 +98,6 @@ char* KtCmdLine::MakeFullPath(const char* name, char* out) {
         return out;
     }
     const char* const last = std::strrchr(path, kSeparator);
-    if (name[1] == ':' || last == nullptr) return copy_with_backslashes(out, name);
+    if (name[1] == ':' || last == nullptr) return copy_converted(out, name);
     return join(out, path, last + 1 - path, name);
 }

@@ -1,4 +1,4 @@
-// One directory, or a chain of them down to a backslash-separated path.
+// Creates one directory, or each missing directory of a backslash-separated path.
 #include <ktbase/platform.h>
 #include <sys/stat.h>
 
@@ -10,8 +10,10 @@
 namespace {
 
 constexpr char kSeparator = '\\';
+constexpr KtFileAttributes kUnknown = -1;
 
-struct FreeAndKeepErrno {
+// free() may change errno in libc versions before 2.33.
+struct FreePreservingErrno {
     void operator()(char* text) const {
         const int saved = errno;
         std::free(text);
@@ -19,15 +21,16 @@ struct FreeAndKeepErrno {
     }
 };
 
-// The first position at which the path may be cut.
+// Returns the first position at which the path may be cut.
 std::size_t scan_start(const char* path) {
-    if (path[0] == kSeparator && path[1] == kSeparator) return 2;  // the server's name stays whole
+    // The first backslash after these two ends the server name. It may be cut.
+    if (path[0] == kSeparator && path[1] == kSeparator) return 2;
     const bool has_drive = path[1] == ':' && path[2] == kSeparator;
     return has_drive ? 3 : 0;
 }
 
-// Cuts `text`, which has `length` characters, at its last separator at or after `start`. Sets
-// `length` to the position of the cut. Returns false when there is no such separator.
+// Replaces the last separator at or after `start` in `text` by a NUL. `length` is the length of
+// `text` before and after. Returns false if there is no such separator.
 bool cut_last_component(char* text, std::size_t start, std::size_t& length) {
     for (std::size_t i = length; i > start; --i) {
         if (text[i - 1] != kSeparator) continue;
@@ -38,9 +41,9 @@ bool cut_last_component(char* text, std::size_t start, std::size_t& length) {
     return false;
 }
 
-// Restores the cut separators of `text` from position `length` up to `whole`, and creates the path
-// that each of them completes.
-int create_from(char* text, std::size_t length, std::size_t whole) {
+// Puts back each separator that was cut from `text`, from left to right, and creates the directory
+// that `text` then names. `length` is the length of `text` now, `whole` its length before any cut.
+int create_cut_components(char* text, std::size_t length, std::size_t whole) {
     while (length != whole) {
         text[length] = kSeparator;
         if (KtMakeDirectory(text) == -1) return -1;
@@ -58,21 +61,20 @@ int KtMakeDirectory(const char* path) {
 int KtMakePath(const char* path) {
     if (path == nullptr || *path == '\0') return -1;
     KtFileAttributes attributes = KtGetFileAttributes(path);
-    if (attributes != -1) return KtIsDirectory(attributes) != 0 ? 0 : -1;
+    if (attributes != kUnknown) return KtIsDirectory(attributes) != 0 ? 0 : -1;
 
-    const std::unique_ptr<char, FreeAndKeepErrno> copy(strdup(path));
+    const std::unique_ptr<char, FreePreservingErrno> copy(strdup(path));
     if (copy == nullptr) return -1;
     const std::size_t start = scan_start(path);
     const std::size_t whole = std::strlen(path);
     std::size_t length = whole;
-    while (attributes == -1) {
-        if (!cut_last_component(copy.get(), start, length)) {
-            // No part of the path exists.
-            if (KtMakeDirectory(copy.get()) == -1) return -1;
-            return create_from(copy.get(), length, whole);
-        }
+    while (cut_last_component(copy.get(), start, length)) {
         attributes = KtGetFileAttributes(copy.get());
+        if (attributes == kUnknown) continue;
+        if (KtIsDirectory(attributes) == 0) return -1;
+        return create_cut_components(copy.get(), length, whole);
     }
-    if (KtIsDirectory(attributes) == 0) return -1;
-    return create_from(copy.get(), length, whole);
+    // No part of the path exists.
+    if (KtMakeDirectory(copy.get()) == -1) return -1;
+    return create_cut_components(copy.get(), length, whole);
 }

@@ -1,4 +1,4 @@
-// The entries of one directory that match a wildcard mask, in the order of the stream.
+// Enumerates the entries of one directory that match a wildcard mask, in the order of the stream.
 #include <dirent.h>
 #include <fnmatch.h>
 #include <ktbase/platform.h>
@@ -26,9 +26,9 @@ namespace {
 constexpr KtFindHandle kNoFind = -1;
 constexpr KtFileAttributes kUnknown = -1;
 constexpr std::int32_t kUnknownSize = -1;
-constexpr off64_t kLargestSize = off64_t{1} << 31;  // inclusive
+constexpr off64_t kLargestSize = off64_t{1} << 31;  // a file of this size is not too large
 
-// Restores errno at the end of a scope.
+// Restores errno at the end of its scope.
 class ErrnoGuard {
 public:
     ErrnoGuard() : saved_(errno) {}
@@ -40,14 +40,14 @@ private:
     int saved_;
 };
 
-// Copies the name of the process locale to `saved` and switches the process to "C". A locale
-// without a name cannot be restored, so it stays in force. Returns false when there is no memory
-// for the copy.
-bool enter_c_locale(char*& saved) {
+// Copies the name of the process locale to `old_name` and sets the locale to "C". Leaves the locale
+// as it is if its name cannot be queried, because it could not be restored. Returns false if there
+// is no memory for the copy.
+bool enter_c_locale(char*& old_name) {
     const char* const name = std::setlocale(LC_ALL, nullptr);
     if (name == nullptr) return true;
-    saved = strdup(name);
-    if (saved == nullptr) return false;
+    old_name = strdup(name);
+    if (old_name == nullptr) return false;
     std::setlocale(LC_ALL, "C");
     return true;
 }
@@ -71,13 +71,13 @@ bool is_dot_directory(Dirent* found) {
     return (name == "." || name == "..") && KtIsDirectory(KtFindGetFileAttributes(found)) != 0;
 }
 
-// Reads entries until one matches the mask, and makes that one current. Returns false at the end of
-// the stream, with errno unchanged, or when the stream cannot be read, with the stream's errno.
+// Reads entries until one matches the mask, and queries its attributes. Returns false at the end of
+// the stream, with errno unchanged, and on a read error, with the errno of the error.
 bool read_next_match(DIR* stream, Dirent* found) {
     const int errno_before = errno;
     do {
         found->isLink = 0;
-        errno = 0;  // readdir64 returns null for an error and for the end; only errno differs
+        errno = 0;  // readdir64 returns null at the end and on an error, but sets errno only then
         found->entry = readdir64(stream);
         if (found->entry == nullptr) {
             if (errno == 0) errno = errno_before;
@@ -89,8 +89,13 @@ bool read_next_match(DIR* stream, Dirent* found) {
     return true;
 }
 
-// Lowers the count and closes the stream.
+void destroy(Dirent* found) {
+    const ErrnoGuard guard;
+    delete found;
+}
+
 void close_stream(DIR* stream) {
+    const ErrnoGuard guard;
     if (SYS_OPENFILES > 0) --SYS_OPENFILES;
     closedir(stream);
 }
@@ -114,10 +119,12 @@ Dirent::Dirent(const char* pattern) {
 
 Dirent::~Dirent() {
     if (oldLocale != nullptr) {
-        // Setting a locale other than "C" allocates memory. A second try may succeed.
+        // setlocale needs memory for a locale other than "C". A second call may get it.
         if (std::setlocale(LC_ALL, oldLocale) == nullptr) std::setlocale(LC_ALL, oldLocale);
         std::free(oldLocale);
     }
+    // volatile keeps the store: a host may examine the storage of an object that it made in place.
+    static_cast<volatile std::int32_t&>(isLink) = 0;
     delete[] mask;
     delete[] dir;
     delete[] lastName;
@@ -188,17 +195,15 @@ KtFindHandle KtFindFirst(const char* pattern, Dirent** found) {
     }
     DIR* const stream = opendir(current->dir);
     if (stream == nullptr) {
-        const ErrnoGuard guard;
-        delete current;
+        destroy(current);
         return kNoFind;
     }
     ++SYS_OPENFILES;
-    errno = 0;  // the locale switch and the successful open may have set it
+    errno = 0;  // setlocale and opendir may set it although they succeed
     if (!read_next_match(stream, current)) {
         if (errno == 0) errno = ENOENT;
-        const ErrnoGuard guard;
         close_stream(stream);
-        delete current;
+        destroy(current);
         return kNoFind;
     }
     *found = current;
@@ -211,14 +216,12 @@ KtFindHandle KtFindFirst(const char* pattern, Dirent** found) {
 int KtFindNext(KtFindHandle find, Dirent* found) {
     DIR* const stream = std::bit_cast<DIR*>(find);
     if (stream == nullptr) {
-        const ErrnoGuard guard;
-        delete found;
+        destroy(found);
         return -1;
     }
     if (find == kNoFind || found == nullptr) return -1;
     if (read_next_match(stream, found)) return 0;
-    const ErrnoGuard guard;
-    delete found;
+    destroy(found);
     close_stream(stream);
     return -1;
 }

@@ -13,8 +13,8 @@ constexpr KtFileHandle kInvalidHandle = -1;
 
 KtFileHandle KtOpenFile(const char* path, int flags, int extra, int /*unused*/) {
     if (SYS_OPENFILES >= SYS_MAXFILES) return kInvalidHandle;
-    // Only O_CREAT in `flags` requests creation, so only then is a mode passed. The system ignores
-    // the type bit of the mode.
+    // Only O_CREAT in `flags` selects creation. open() has a mode only then. The system ignores the
+    // type bit of the mode, S_IFREG.
     const KtFileHandle file = (flags & O_CREAT) != 0
                                   ? open(path, flags | extra, S_IFREG | S_IRUSR | S_IWUSR)
                                   : open(path, flags | O_LARGEFILE | extra);
@@ -39,7 +39,7 @@ std::int32_t KtSeekFile(KtFileHandle file, std::int32_t offset, int origin) {
 }
 
 std::int32_t KtGetFileLength(KtFileHandle file) {
-    struct stat status;  // the 32-bit record: a size above 2 GiB - 1 fails with EOVERFLOW
+    struct stat status;  // 32-bit: fstat fails with EOVERFLOW above 2 GiB - 1
     if (fstat(file, &status) == -1) return -1;
     return status.st_size;
 }

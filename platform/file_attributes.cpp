@@ -11,7 +11,8 @@ constexpr KtFileAttributes kUnknown = -1;
 }  // namespace
 
 KtFileAttributes KtGetFileAttributes(const char* path) {
-    // lstat64 is declared nonnull, so report EFAULT here, as the kernel would.
+    // lstat64 is declared nonnull, so the compiler may assume that a path passed to it is not null.
+    // The system call itself fails with EFAULT.
     if (path == nullptr) {
         errno = EFAULT;
         return kUnknown;
@@ -25,7 +26,7 @@ KtFileAttributes KtGetFileAttributes(const char* path) {
 }
 
 int KtIsDirectory(KtFileAttributes attributes) {
-    return S_ISDIR(attributes) ? 1 : 0;  // false for -1, whose type bits are all set
+    return S_ISDIR(attributes) ? 1 : 0;  // -1 has all type bits set, which is the code of no type
 }
 
 int KtSetFileAttributes(const char* /*path*/, KtFileAttributes /*attributes*/) {

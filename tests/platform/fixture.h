@@ -1,4 +1,4 @@
-// A fresh directory, and what must be as it was when an operation is over.
+// A fresh directory for each test, and the checks that an operation has released everything.
 #ifndef KTBASE_TESTS_PLATFORM_FIXTURE_H
 #define KTBASE_TESTS_PLATFORM_FIXTURE_H
 
@@ -17,20 +17,23 @@
 namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
-constexpr int kUntouched = 4711;  // an errno that no system has
+constexpr int kUntouched = 4711;  // no system's errno
 
 struct Platform : testing::Test {
     Platform() {
-        calls = {};
         fs::create_directory(root);
         fs::current_path(root);
         umask(022);
-        // Categories that differ, so that restoring one of them is not enough.
+        // The categories differ, so that a test fails if only one of them is restored.
         if (setlocale(LC_ALL, "C.UTF-8") == nullptr || setlocale(LC_TIME, "C") == nullptr) abort();
         locale = setlocale(LC_ALL, nullptr);
+        calls = {};
     }
     ~Platform() override {
         calls = {};
+        SYS_OPENFILES = 0;
+        SYS_MAXFILES = 64;
+        bFollowLinks = 1;
         fs::remove_all(root);
     }
 
@@ -51,6 +54,15 @@ struct Platform : testing::Test {
     std::string locale;
 };
 
+struct Enumeration {
+    explicit Enumeration(const char* pattern) : find(KtFindFirst(pattern, &found)) {}
+    int next() const { return KtFindNext(find, found); }
+
+    Dirent* found = nullptr;
+    KtFindHandle find;
+};
+
+// "NAME SIZE ATTR TARGET_ATTR IS_LINK ERROR"
 inline std::string describe(const Dirent* found) {
     char text[300];
     std::snprintf(text, sizeof text, "%s %d %x %x %d %d", found->lastName ? found->lastName : "?",
@@ -58,18 +70,23 @@ inline std::string describe(const Dirent* found) {
     return text;
 }
 
-// The entries, and last the errno of the failure or of the end.
-inline Lines enumerate(const char* pattern) {
-    Lines run;
-    Dirent* found = nullptr;
-    const KtFindHandle find = KtFindFirst(pattern, &found);
-    if (find == -1) return {std::to_string(errno)};
+struct Outcome {
+    int result;
+    int error;    // errno
+    Lines lines;  // what the operation made or delivered
+};
+
+inline Outcome enumerate(const char* pattern) {
+    errno = kUntouched;
+    const Enumeration enumeration(pattern);
+    if (enumeration.find == -1) return {-1, errno, {}};
+    Outcome outcome = {};
     do {
-        run.push_back(describe(found));
+        outcome.lines.push_back(describe(enumeration.found));
         errno = kUntouched;
-    } while (KtFindNext(find, found) == 0 && errno == kUntouched);
-    run.push_back(std::to_string(errno));
-    return run;
+    } while (enumeration.next() == 0);
+    outcome.error = errno;
+    return outcome;
 }
 
 #endif

@@ -1,58 +1,74 @@
-// The values at load, the clock, and what no fuzzer's command line reaches.
-#include <sys/time.h>
-
-#include <csignal>
+// The values at load, the clock and the text services.
 #include <tuple>
 
 #include "fixture.h"
 
 namespace {
 
-// Taken before any test runs.
+// Read before any test runs.
 const std::tuple kAtLoad(SYS_OPENFILES, SYS_MAXFILES, bFollowLinks, starttime, pCmdLine);
 
-TEST(Services, have_their_values_when_the_library_is_loaded) {
+TEST_F(Platform, globals_have_their_values_at_load) {
     EXPECT_EQ(kAtLoad, std::tuple(0, 64, 1, 0, nullptr));
 }
 
-TEST(Services, tell_convert_and_pass_the_time_and_stop_it_at_any_start_but_zero) {
-    for (starttime = -1; starttime < 2; ++starttime) {
-        const auto before = time(nullptr);
-        const auto told = KtGetTime();
-        EXPECT_TRUE(starttime != 0 ? told == starttime : before <= told && told <= before + 60);
+TEST_F(Platform, a_start_time_but_zero_stops_the_clock) {
+    for (const std::int32_t start : {-1, 1}) {
+        starttime = start;
+        EXPECT_EQ(KtGetTime(), start);
     }
-    setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
-    KtLocalDate date;
-    for (const std::int32_t time : {INT32_MIN + 86400, INT32_MAX, 1729989000}) {
-        ASSERT_EQ(KtTimeToLocalDate(time, &date), &date);
-        EXPECT_EQ(KtLocalDateToTime(&date), time);
-    }
-    date.tm_isdst = 0;  // the last one is 02:30 on the night that has it twice
-    EXPECT_EQ(KtLocalDateToTime(&date), 1729989000 + 3600);
-    EXPECT_EQ(KtLocalDateToTime(nullptr), 0);
-    EXPECT_EQ(KtTimeToLocalDate(0, nullptr), nullptr);
-
-    signal(SIGALRM, [](int) {});
-    const itimerval alarm = {{0, 300000}, {0, 300000}};
-    setitimer(ITIMER_REAL, &alarm, nullptr);
-    EXPECT_EQ(KtSleep(4294968), 0) << "wraps to 704 microseconds";
-    EXPECT_EQ(KtSleep(60000), -1);
-    EXPECT_EQ(errno, EINTR);
+    starttime = 0;
+    EXPECT_NEAR(KtGetTime(), time(nullptr), 60);
 }
 
-TEST(Services, split_a_command_line_of_the_most_words_into_the_default_table) {
-    KtCmdLine line;
-    EXPECT_EQ(line.argc, 1);
-    EXPECT_EQ(pCmdLine, &line);
-    for (std::size_t i = 0; i + 1 < sizeof line.text; ++i) line.text[i] = i % 2 == 0 ? 'w' : ' ';
-    line.ParseCmdLine();
-    EXPECT_EQ(line.argc, 2050);
-    EXPECT_EQ(line.MakeFullPath(nullptr, line.text), line.text);
-    EXPECT_EQ(line.MakeFullPath("name", nullptr), nullptr);
-    char* end = nullptr;
-    EXPECT_EQ(KtStrtoul("-z!", &end, 36), -35UL);
-    EXPECT_EQ(CopyTextString(line.text, end), line.text);
-    EXPECT_STREQ(line.text, "!");
+TEST_F(Platform, local_dates_convert_in_both_directions) {
+    setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
+    constexpr std::int32_t kRepeatedHour = 1729989000;  // 02:30 in summer time
+    KtLocalDate date;
+    for (const std::int32_t time : {INT32_MIN + 86400, INT32_MAX, kRepeatedHour}) {
+        EXPECT_EQ(KtTimeToLocalDate(time, &date), &date);
+        EXPECT_EQ(KtLocalDateToTime(&date), time);
+    }
+    date.tm_isdst = 0;
+    EXPECT_EQ(KtLocalDateToTime(&date), kRepeatedHour + 3600);
+    date.tm_year = INT32_MAX;
+    EXPECT_EQ(KtLocalDateToTime(&date), -1);
+}
+
+TEST_F(Platform, null_is_no_date) {
+    EXPECT_EQ(KtLocalDateToTime(nullptr), 0);
+    EXPECT_EQ(KtTimeToLocalDate(0, nullptr), nullptr);
+}
+
+TEST_F(Platform, a_sleep_of_milliseconds_wraps_in_microseconds) {
+    for (const auto& [milliseconds, call] :
+         {std::pair{1500U, "usleep 1500000"}, {4294968, "usleep 704"}}) {
+        std::string made;
+        calls.observer = [&made](const std::string& name) { made += name; };
+        EXPECT_EQ(KtSleep(milliseconds), 0);
+        EXPECT_EQ(made, call);
+    }
+}
+
+TEST_F(Platform, a_number_ends_where_its_base_does) {
+    struct Case {
+        const char* text;
+        int base;
+        unsigned long value;
+        const char* end;
+    };
+    for (const Case& c : {Case{"-z!", 36, -35UL, "!"}, Case{"0x1F", 0, 31, ""},
+                          Case{"0b11", 0, 0, "b11"}, Case{"0b11", 2, 0, "b11"}}) {
+        char* end = nullptr;
+        EXPECT_EQ(KtStrtoul(c.text, &end, c.base), c.value) << c.text;
+        EXPECT_STREQ(end, c.end);
+    }
+}
+
+TEST_F(Platform, a_copied_text_is_the_result) {
+    char text[] = "####";
+    EXPECT_EQ(CopyTextString(text, "ab"), text);
+    EXPECT_EQ(std::string(text, 4), std::string("ab\0#", 4));
 }
 
 }  // namespace

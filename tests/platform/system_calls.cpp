@@ -3,7 +3,6 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <ktbase/platform.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -18,23 +17,25 @@ Calls calls;
 
 namespace {
 
-bool fails(const char* name) {
+// The arguments are only for the observer.
+bool fails(const std::string& name, const std::string& arguments = "") {
+    if (calls.observer) calls.observer(name + arguments);
     const int use = ++calls.made[name];
     if (name != calls.failing || use < calls.use) return false;
-    if (use > calls.use && !calls.ever_after) return false;
+    if (use > calls.use && !calls.always) return false;
     errno = calls.error;
     return true;
 }
 
-template <typename Result, typename... Parameters>
-Result call(const char* name, std::type_identity_t<Result> failure, Result (*)(Parameters...),
-            std::type_identity_t<Parameters>... given) {
-    if (fails(name)) return failure;
-    return reinterpret_cast<Result (*)(Parameters...)>(dlsym(RTLD_NEXT, name))(given...);
+template <typename Function>
+Function* system_function(Function* /*replacement*/, const char* name) {
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
-void trace(const std::string& what) {
-    if (calls.trace != nullptr) *calls.trace += what + ' ';
+template <typename Result, typename... Parameters>
+Result call(const char* name, std::type_identity_t<Result> failure, Result (*f)(Parameters...),
+            std::type_identity_t<Parameters>... given) {
+    return fails(name) ? failure : system_function(f, name)(given...);
 }
 
 }  // namespace
@@ -45,10 +46,8 @@ int open(const char* path, int flags, ...) {
     const unsigned mode = (flags & O_CREAT) != 0 ? va_arg(rest, unsigned) : 0;
     va_end(rest);
     char text[30];
-    std::snprintf(text, sizeof text, "%x:%x", flags, mode);
-    trace(text);
-    if (fails("open")) return -1;
-    return reinterpret_cast<decltype(&open)>(dlsym(RTLD_NEXT, "open"))(path, flags, mode);
+    std::snprintf(text, sizeof text, " %x %x", flags, mode);
+    return fails("open", text) ? -1 : system_function(open, "open")(path, flags, mode);
 }
 ssize_t read(int file, void* buffer, size_t size) {
     return call("read", -1, read, file, buffer, size);
@@ -56,31 +55,25 @@ ssize_t read(int file, void* buffer, size_t size) {
 ssize_t write(int file, const void* buffer, size_t size) {
     return call("write", -1, write, file, buffer, size);
 }
-off_t lseek(int file, off_t offset, int origin) noexcept {
-    return call("lseek", -1, lseek, file, offset, origin);
-}
-int fstat(int file, struct stat* status) noexcept {
-    return call("fstat", -1, fstat, file, status);
-}
-int close(int file) {  // which it is even when this fails
-    trace("close:" + std::to_string(SYS_OPENFILES));
-    const int result = reinterpret_cast<decltype(&close)>(dlsym(RTLD_NEXT, "close"))(file);
-    return fails("close") ? -1 : result;
+int close(int file) {  // A failing close closes the descriptor all the same.
+    const bool failed = fails("close");
+    const int result = system_function(close, "close")(file);
+    return failed ? -1 : result;
 }
 int lstat64(const char* path, struct stat64* status) noexcept {
-    trace('?' + std::string(path));
-    return call("lstat64", -1, lstat64, path, status);
+    if (fails("lstat64", ' ' + std::string(path))) return -1;
+    return system_function(lstat64, "lstat64")(path, status);
 }
 int stat64(const char* path, struct stat64* status) noexcept {
     return call("stat64", -1, stat64, path, status);
 }
 int mkdir(const char* path, mode_t mode) noexcept {
-    trace('+' + std::string(path));
-    return call("mkdir", -1, mkdir, path, mode);
+    if (fails("mkdir", ' ' + std::string(path))) return -1;
+    return system_function(mkdir, "mkdir")(path, mode);
 }
 DIR* opendir(const char* path) {
     DIR* const stream = call("opendir", nullptr, opendir, path);
-    if (stream != nullptr) errno = EXDEV;  // as a call that succeeds may leave it
+    if (stream != nullptr) errno = EXDEV;  // A call that succeeds may change errno.
     return stream;
 }
 dirent64* readdir64(DIR* stream) {
@@ -89,13 +82,15 @@ dirent64* readdir64(DIR* stream) {
     static dirent64 record;
     const std::size_t next = calls.made["readdir64"] - 1;
     if (next >= calls.listing.size()) return nullptr;
-    errno = EXDEV;  // as at opendir
+    errno = EXDEV;
     std::strcpy(record.d_name, calls.listing[next]);
     return &record;
 }
 int closedir(DIR* stream) {
-    reinterpret_cast<decltype(&closedir)>(dlsym(RTLD_NEXT, "closedir"))(stream);
-    return fails("closedir") ? -1 : 0;
+    const bool failed = fails("closedir");
+    system_function(closedir, "closedir")(stream);
+    if (failed) errno = calls.error;
+    return failed ? -1 : 0;
 }
 char* setlocale(int category, const char* name) noexcept {
     return call("setlocale", nullptr, setlocale, category, name);
@@ -106,15 +101,12 @@ char* strdup(const char* text) noexcept {
 tm* localtime(const time_t* time) noexcept {
     return call("localtime", nullptr, localtime, time);
 }
-time_t mktime(tm* date) noexcept {
-    return call("mktime", -1, mktime, date);
-}
 int usleep(useconds_t microseconds) {
-    return call("usleep", -1, usleep, microseconds);
+    return fails("usleep", ' ' + std::to_string(microseconds)) ? -1 : 0;
 }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     return fails("new") ? nullptr : operator new(size);
 }
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    return fails("new[]") ? nullptr : operator new[](size);
+    return fails("new[]", ' ' + std::to_string(size)) ? nullptr : operator new[](size);
 }

@@ -1,22 +1,21 @@
-// The system calls and allocations of the platform layer, counted, and failing on request: those in
-// system_calls.cpp take the place of the system's.
+// Replacements of the system calls and allocations of the platform layer. They are counted,
+// reported to an observer, and fail on request.
 #ifndef KTBASE_TESTS_PLATFORM_SYSTEM_CALLS_H
 #define KTBASE_TESTS_PLATFORM_SYSTEM_CALLS_H
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
 struct Calls {
-    std::string failing = {};  // the call of this name fails with `error`
-    int use = 0;               // on this use, counted from 1,
-    bool ever_after = false;   // and on all later ones
+    std::string failing = {};  // the name of the call that fails with `error`
+    int use = 0;               // the use that fails, counted from 1
+    bool always = false;       // whether all later uses fail as well
     int error = 0;
-    std::vector<const char*> listing = {};  // what any directory is said to hold, if not empty
-    // Gets "?path " for an lstat64, "+path " for a mkdir, "flags:mode " in hexadecimal for an open,
-    // "close:" and the count of open files for a close.
-    std::string* trace = nullptr;
-    std::map<std::string, int> made = {};  // uses by name
+    std::vector<const char*> listing = {};  // the names in any directory, if not empty
+    std::function<void(const std::string&)> observer = {};  // gets each call before it is made
+    std::map<std::string, int> made = {};                   // uses by name
 };
 extern Calls calls;
 

@@ -1,0 +1,17 @@
+// What the models share. A model checks the library on given values, and throws when a result
+// differs. Tests call it with named values, fuzzers with drawn ones.
+#ifndef KTBASE_TESTS_CHECK_H
+#define KTBASE_TESTS_CHECK_H
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+// Each array has its exact size, so that AddressSanitizer reports the first byte beyond it.
+using Bytes = std::vector<unsigned char>;
+
+inline void require(bool holds, const char* what) {
+    if (!holds) throw std::logic_error(what);
+}
+
+#endif

@@ -1,0 +1,234 @@
+// Enumerations.
+#include <dirent.h>
+#include <malloc.h>
+
+#include "fixture.h"
+
+namespace {
+
+TEST_F(Platform, a_pattern_is_split_at_its_last_slash) {
+    fs::create_directory("d");
+    for (const char* path : {"e.cfg", "d/a.txt"}) write(path);
+    struct Case {
+        const char *pattern, *name;
+        unsigned mask_length, dir_length;  // as the fields count them
+        const char* allocation;            // of `name`
+    };
+    for (const Case& c :
+         {Case{"*.cfg", ".//e.cfg", 6, 2, "new[] 10"}, Case{"/et[c]", "//etc", 6, 2, "new[] 8"},
+          Case{"d/*t", "d/a.txt", 3, 2, "new[] 10"},
+          Case{"./d/*t", "./d/a.txt", 3, 4, "new[] 12"}}) {
+        std::string last;
+        calls = {.observer = [&last](const std::string& call) {
+            if (call.starts_with("new[]")) last = call;
+        }};
+        const Enumeration enumeration(c.pattern);
+        EXPECT_STREQ(enumeration.found->lastName, c.name);
+        EXPECT_EQ(enumeration.found->maskLen, c.mask_length);
+        EXPECT_EQ(enumeration.found->dirLen, c.dir_length);
+        EXPECT_EQ(last, c.allocation);
+        EXPECT_EQ(enumeration.next(), -1);
+        expect_all_released();
+    }
+}
+
+TEST_F(Platform, an_enumeration_without_entries_has_a_reason) {
+    fs::create_directories("d/empty");
+    for (const char* path : {"e.cfg", "d/a.txt"}) write(path);
+    struct Case {
+        const char* pattern;
+        int error;
+    };
+    for (const Case& c : {Case{"d/A.TXT", ENOENT}, Case{"d/", ENOENT}, Case{"none/*", ENOENT},
+                          Case{"e.cfg/*", ENOTDIR}, Case{"d/empty/*", 0}}) {
+        const Outcome outcome = enumerate(c.pattern);
+        EXPECT_EQ(outcome.result, -1) << c.pattern;
+        EXPECT_EQ(outcome.error, c.error) << c.pattern;
+        expect_all_released();
+    }
+}
+
+TEST_F(Platform, a_mask_matches_bytes_as_a_shell_does) {
+    struct Case {
+        const char* mask;
+        std::vector<const char*> listing;
+        std::size_t matches;
+    };
+    for (const Case& c :
+         {Case{"a\\*", {"a\\b", "a*", "ab"}, 1}, Case{"*x", {".x", "y/x", "X"}, 2},
+          Case{"??", {"\xC3\xA9", "a"}, 1}, Case{"[!a-c][[:digit:]]", {"x1", "a1"}, 1}}) {
+        calls = {.listing = c.listing};
+        EXPECT_EQ(enumerate(c.mask).lines.size(), c.matches) << c.mask;
+    }
+}
+
+TEST_F(Platform, dot_directories_are_skipped_only_before_other_entries) {
+    calls = {.listing = {".", "..", "...", "..", "."}};
+    EXPECT_EQ(enumerate("*").lines.size(), 3U);
+    calls = {"lstat64", 2, false, EACCES, {".", "..", "..."}};
+    EXPECT_EQ(enumerate("*").lines[0], ".//.. -1 ffffffff ffffffff 0 13");
+}
+
+TEST_F(Platform, an_entry_has_the_size_of_what_a_link_names) {
+    for (const char* path : {"ten", "2g", "big"}) write(path);
+    truncate64("2g", 0x80000000);
+    truncate64("big", 0x80000001);
+    for (const auto& [target, path] : {std::pair{"ten", "l1"}, {"none", "l2"}, {"big", "l3"}})
+        fs::create_symlink(target, path);
+    for (const char* entry :
+         {"ten 10 81a4 81a4 0 0", "2g -2147483648 81a4 81a4 0 0", "big -1 ffffffff ffffffff 0 75",
+          "l1 10 a1ff 81a4 1 0", "l2 4 a1ff a1ff 1 2", "l3 -1 ffffffff ffffffff 0 75"}) {
+        const std::string name(entry, strchr(entry, ' '));
+        EXPECT_EQ(enumerate(name.c_str()).lines, Lines{".//" + std::string(entry)});
+    }
+}
+
+TEST_F(Platform, the_getters_of_a_link_follow_the_flag) {
+    write("ten");
+    fs::create_symlink("ten", "link");
+    const Enumeration enumeration("link");
+    EXPECT_STREQ(KtFindGetFileName(enumeration.found), "link");
+    EXPECT_EQ(KtFindGetFileSize(enumeration.found), 10);
+    enumeration.found->isLink = 0;
+    EXPECT_EQ(KtFindGetFileAttributes(enumeration.found), 0x81A4);
+    EXPECT_EQ(enumeration.found->isLink, 1);
+    bFollowLinks = 0;
+    EXPECT_EQ(KtFindGetFileAttributes(enumeration.found), 0xA1FF);
+    EXPECT_EQ(enumeration.next(), -1);
+}
+
+TEST_F(Platform, an_entry_that_vanished_is_delivered) {
+    for (const char* path : {"a", "b"}) write(path);
+    const Enumeration enumeration("[ab]");
+    for (const char* path : {"a", "b"}) fs::remove(path);
+    EXPECT_EQ(enumeration.next(), 0);
+    EXPECT_EQ(describe(enumeration.found).substr(5), "-1 ffffffff ffffffff 0 2");
+    EXPECT_EQ(enumeration.next(), -1);
+}
+
+TEST_F(Platform, a_full_budget_refuses_an_enumeration_without_a_system_call) {
+    for (const auto& [count, limit] : {std::pair{64, 64}, {2, 1}, {0, 0}, {0, -1}}) {
+        SYS_OPENFILES = count;
+        SYS_MAXFILES = limit;
+        EXPECT_EQ(enumerate("*").error, EMFILE) << limit;
+        EXPECT_EQ(SYS_OPENFILES, count);
+    }
+    EXPECT_EQ(calls.made.size(), 0U);
+}
+
+TEST_F(Platform, enumerations_count_until_their_end) {
+    write("a");
+    SYS_MAXFILES = 1;
+    const Enumeration enumeration("a");
+    EXPECT_EQ(SYS_OPENFILES, 1);
+    Dirent* found = enumeration.found;
+    EXPECT_EQ(KtFindClose(enumeration.find, &found), 0);
+    EXPECT_EQ(SYS_OPENFILES, 1);
+    EXPECT_EQ(KtFindNext(-1, found), -1);
+    EXPECT_EQ(KtFindNext(enumeration.find, nullptr), -1);
+    EXPECT_EQ(KtFindNext(0, new Dirent("made by the host")), -1);
+    EXPECT_EQ(SYS_OPENFILES, 1);
+    EXPECT_EQ(enumeration.next(), -1);
+    expect_all_released();
+}
+
+TEST_F(Platform, the_end_lowers_only_a_positive_count) {
+    write("a");
+    for (const auto& [count, lowered] : {std::pair{2, 1}, {0, 0}, {-5, -5}}) {
+        const Enumeration enumeration("a");
+        SYS_OPENFILES = count;
+        EXPECT_EQ(enumeration.next(), -1);
+        EXPECT_EQ(SYS_OPENFILES, lowered);
+    }
+}
+
+TEST_F(Platform, nested_enumerations_restore_the_locale) {
+    write("a");
+    const Enumeration outer("a");
+    const Enumeration inner("a");
+    EXPECT_EQ(inner.next(), -1);
+    EXPECT_STREQ(setlocale(LC_ALL, nullptr), "C");
+    EXPECT_EQ(outer.next(), -1);
+    expect_all_released();
+}
+
+// The count after each call, and whether the locale is still "C".
+TEST_F(Platform, the_parts_of_an_enumeration_end_in_this_order) {
+    write("a");
+    struct Case {
+        const char *pattern, *end;
+    };
+    for (const Case& c :
+         {Case{"none", "closedir:0 setlocale:0 "}, Case{"a", "setlocale:1 closedir:0 "}}) {
+        std::string order;
+        calls = {.observer = [&order](const std::string& call) {
+            order += call + ':' + std::to_string(SYS_OPENFILES) + ' ';
+        }};
+        enumerate(c.pattern);
+        calls.observer = nullptr;
+        EXPECT_TRUE(order.ends_with(c.end)) << order;
+    }
+}
+
+TEST_F(Platform, no_entry_is_a_link_during_a_read) {
+    write("a");
+    fs::create_symlink("a", "link");
+    calls = {.listing = {"link", "a"}};
+    const Enumeration enumeration("*");
+    EXPECT_EQ(enumeration.found->isLink, 1);
+    int during_read = -1;
+    calls.observer = [&](const std::string& call) {
+        if (call == "readdir64") during_read = enumeration.found->isLink;
+    };
+    EXPECT_EQ(enumeration.next(), 0);
+    EXPECT_EQ(during_read, 0);
+    EXPECT_EQ(enumeration.next(), -1);
+}
+
+TEST_F(Platform, a_failure_stores_no_object) {
+    Dirent* found = nullptr;
+    EXPECT_EQ(KtFindFirst("none", &found), -1);
+    EXPECT_EQ(found, nullptr);
+    EXPECT_EQ(KtFindFirst("none", nullptr), -1);
+    EXPECT_EQ(errno, 0);
+}
+
+TEST_F(Platform, null_is_no_entry) {
+    EXPECT_EQ(KtFindNext(0, nullptr), -1);
+    EXPECT_EQ(KtFindGetFileName(nullptr), nullptr);
+    EXPECT_EQ(KtFindGetFileAttributes(nullptr), -1);
+    EXPECT_EQ(KtFindGetFileSize(nullptr), -1);
+    Dirent without_entry("a");
+    EXPECT_EQ(KtFindGetFileName(&without_entry), nullptr);
+    EXPECT_EQ(without_entry.getLastName(), nullptr);
+    calls = {"new[]", 2, false, ENOMEM};
+    Dirent without_directory("a");
+    dirent64 entry = {};
+    without_directory.entry = &entry;
+    EXPECT_EQ(without_directory.setLastName(), 0);
+}
+
+TEST_F(Platform, an_object_made_in_place_is_no_link_after_its_end) {
+    alignas(Dirent) unsigned char storage[sizeof(Dirent)];
+    auto* const found = new (storage) Dirent("a");
+    found->isLink = 1;
+    found->~Dirent();
+    EXPECT_EQ(storage[offsetof(Dirent, isLink)], 0);
+}
+
+TEST_F(Platform, entries_that_are_not_delivered_cost_one_read) {
+    write("a");
+    for (int i = 10000; i < 30000; ++i) ASSERT_EQ(link("a", std::to_string(i).c_str()), 0);
+    calls = {};
+    const Enumeration enumeration("*[05]");
+    const auto in_use = mallinfo2().uordblks;
+    int delivered = 1;
+    for (; enumeration.next() == 0; ++delivered) ASSERT_LE(mallinfo2().uordblks, in_use);
+    EXPECT_EQ(delivered, 4000);
+    EXPECT_EQ(calls.made["lstat64"], delivered);
+    EXPECT_EQ(calls.made["stat64"], 0);
+    EXPECT_EQ(calls.made["new[]"], 2 + delivered);
+    EXPECT_EQ(calls.made["readdir64"], 2 + 1 + 20000 + 1);
+}
+
+}  // namespace
