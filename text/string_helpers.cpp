@@ -44,11 +44,11 @@ int compare(const Operand& a, const Operand& b) {
     return a.length < b.length ? -1 : 1;
 }
 
-int CompareCase(const Operand& a, const Operand& b) {
+int compare_case(const Operand& a, const Operand& b) {
     return compare<signed_value>(a, b);
 }
 
-int CompareNoCase(const Operand& a, const Operand& b) {
+int compare_no_case(const Operand& a, const Operand& b) {
     return compare<folded>(a, b);
 }
 
@@ -61,43 +61,43 @@ void move_text(char* destination, const std::string& source, std::size_t length)
 }  // namespace
 
 int KsStrcmp(const std::string& a, const std::string& b) {
-    return CompareCase(a, b);
+    return compare_case(a, b);
 }
 int KsStrcmp(const char* a, const std::string& b) {
-    return CompareCase(a, b);
+    return compare_case(a, b);
 }
 int KsStrcmp(const std::string& a, const char* b) {
-    return CompareCase(a, b);
+    return compare_case(a, b);
 }
 
 int KsStrncmp(const std::string& a, const std::string& b, unsigned n) {
-    return CompareCase(first(n, a), first(n, b));
+    return compare_case(first(n, a), first(n, b));
 }
 int KsStrncmp(const char* a, const std::string& b, unsigned n) {
-    return CompareCase(first(n, a), first(n, b));
+    return compare_case(first(n, a), first(n, b));
 }
 int KsStrncmp(const std::string& a, const char* b, unsigned n) {
-    return CompareCase(first(n, a), first(n, b));
+    return compare_case(first(n, a), first(n, b));
 }
 
 int KsStrcasecmp(const std::string& a, const std::string& b) {
-    return CompareNoCase(a, b);
+    return compare_no_case(a, b);
 }
 int KsStrcasecmp(const char* a, const std::string& b) {
-    return CompareNoCase(a, b);
+    return compare_no_case(a, b);
 }
 int KsStrcasecmp(const std::string& a, const char* b) {
-    return CompareNoCase(a, b);
+    return compare_no_case(a, b);
 }
 
 int KsStrncasecmp(const std::string& a, const std::string& b, unsigned n) {
-    return CompareNoCase(first(n, a), first(n, b));
+    return compare_no_case(first(n, a), first(n, b));
 }
 int KsStrncasecmp(const char* a, const std::string& b, unsigned n) {
-    return CompareNoCase(first(n, a), first(n, b));
+    return compare_no_case(first(n, a), first(n, b));
 }
 int KsStrncasecmp(const std::string& a, const char* b, unsigned n) {
-    return CompareNoCase(first(n, a), first(n, b));
+    return compare_no_case(first(n, a), first(n, b));
 }
 
 void KsStrcpy(char* destination, const std::string& source) {
