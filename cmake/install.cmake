@@ -12,10 +12,14 @@ endif()
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
-# Neither find_package nor pkg-config looks into lib32 for a compiler whose default is 64-bit.
-string(REGEX REPLACE "lib32$" "lib" ktbase_finders "${CMAKE_INSTALL_LIBDIR}")
-set(ktbase_cmake_dir "${ktbase_finders}/cmake/ktbase")
-set(ktbase_pkg_config_dir "${ktbase_finders}/pkgconfig")
+# Neither find_package nor pkg-config searches lib32. find_package searches lib, and every pkg-config,
+# those for other machines included, searches share.
+set(ktbase_cmake_dir "${CMAKE_INSTALL_LIBDIR}/cmake/ktbase")
+set(ktbase_pkg_config_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+if(CMAKE_INSTALL_LIBDIR STREQUAL lib32)
+  set(ktbase_cmake_dir lib/cmake/ktbase)
+  set(ktbase_pkg_config_dir "${CMAKE_INSTALL_DATADIR}/pkgconfig")
+endif()
 
 install(TARGETS ktbase EXPORT ktbase-targets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
@@ -23,10 +27,10 @@ install(TARGETS ktbase EXPORT ktbase-targets
   INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(DIRECTORY include/ktbase "${PROJECT_BINARY_DIR}/include/ktbase"
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development FILES_MATCHING PATTERN "*.h")
-install(FILES README.md CHANGELOG.md
+install(FILES README.md CHANGELOG.md COPYRIGHT
   DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development)
 install(DIRECTORY docs examples DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
-  FILES_MATCHING PATTERN "*.md" PATTERN "*.cpp" PATTERN reference EXCLUDE)
+  FILES_MATCHING PATTERN "*.md" PATTERN "*.cpp")
 
 # A cmake --install may choose another prefix, so the files of the package find it from themselves.
 install(EXPORT ktbase-targets NAMESPACE ktbase::
@@ -51,6 +55,8 @@ configure_file(cmake/ktbase.pc.in ktbase.pc @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/ktbase.pc"
   DESTINATION "${ktbase_pkg_config_dir}" COMPONENT development)
 
+include(cmake/manual_page.cmake)
+ktbase_install_man(docs/ktbase.3 3 development)
 if(TARGET ktsign)
   include(cmake/install_tools.cmake)
 endif()

@@ -41,7 +41,7 @@ def main(guide, source, prefix, libdir):
     if not blocks or len(blocks) * 2 != len(re.findall(r"^\s*```", text, re.M)):
         sys.exit(f"{guide}: its code blocks are not to be made out")
     os.environ.update(PATH=f"{prefix}/bin:{os.environ['PATH']}", CMAKE_PREFIX_PATH=prefix,
-                      PKG_CONFIG_LIBDIR=f"{prefix}/lib/pkgconfig",
+                      PKG_CONFIG_LIBDIR=f"{prefix}/share/pkgconfig:{prefix}/lib/pkgconfig",
                       LD_RUN_PATH=f"{prefix}/{libdir}", CMAKE_GENERATOR="Ninja", LC_ALL="C")
     with tempfile.TemporaryDirectory() as directory:
         os.chdir(directory)
