@@ -1,5 +1,5 @@
-// Raw memory and C-string routines. The build compiles this source so that no loop becomes a call of
-// a libc routine or a copy of vectors.
+// Raw memory and C-string routines. The build compiles this source so that no loop becomes a call
+// of a libc routine or a copy of vectors.
 #include <ktbase/text.h>
 
 #include <cstdint>

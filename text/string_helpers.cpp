@@ -9,7 +9,8 @@ namespace {
 
 constexpr char kBlanks[] = " \t\r\n";
 
-// One operand of a comparison: all of a standard string, or a C string up to its NUL. Null is empty.
+// One operand of a comparison: all of a standard string, or a C string up to its NUL. Null is
+// empty.
 struct Operand {
     const char* text;
     std::size_t length;
