@@ -1,42 +1,47 @@
-// The long arithmetic: computed vectors, and the limits of the counts. The fuzzers' models hold the
-// products, the windows and the published signature.
+// The long arithmetic: computed vectors, every small window, and the limits of the counts.
 #include <gtest/gtest.h>
-#include <ktbase/longarith.h>
 
-#include <algorithm>
 #include <cstring>
 #include <fstream>
+#include <map>
 #include <sstream>
+
+#include "longarith_model.h"
 
 namespace {
 
-using Bytes = std::vector<unsigned char>;
-using Limbs = std::vector<unsigned short>;
-using Vector = std::vector<Limbs>;
+using Vector = std::map<std::string, Limbs>;
 
 unsigned char* bytes_of(Limbs& limbs) {
     return reinterpret_cast<unsigned char*>(limbs.data());
 }
 
-// The numbers behind the name in every vector of that name.
-std::vector<Vector> vectors(const std::string& name) {
+Limbs parse_hexadecimal(const std::string& digits) {
+    Limbs number;
+    for (std::size_t end = digits.size(); end != 0; end -= 4)
+        number.push_back(
+            static_cast<unsigned short>(std::stoul(digits.substr(end - 4, 4), nullptr, 16)));
+    return number;
+}
+
+// The computed vectors of a kind.
+std::vector<Vector> vectors(const std::string& kind) {
     std::ifstream file(KTBASE_VECTORS);
     std::vector<Vector> found;
     for (std::string line; std::getline(file, line);) {
-        if (line.rfind(name + ' ', 0) != 0) continue;
-        std::istringstream fields(line.substr(name.size()));
+        if (!line.starts_with(kind + ' ')) continue;
+        std::istringstream fields(line.substr(kind.size()));
         found.emplace_back();
-        for (std::string hex; fields >> hex;) {
-            Limbs& number = found.back().emplace_back();
-            for (auto end = hex.size(); end != 0; end -= 4)
-                number.push_back(std::stoul(hex.substr(end - 4, 4), nullptr, 16));
+        for (std::string field; fields >> field;) {
+            const std::size_t equals = field.find('=');
+            found.back()[field.substr(0, equals)] = parse_hexadecimal(field.substr(equals + 1));
         }
     }
-    EXPECT_FALSE(found.empty()) << name;
+    EXPECT_FALSE(found.empty()) << kind;
     return found;
 }
 
-TEST(LongArithmetic, byte_strings_of_every_length_map_to_limbs_and_back_at_odd_addresses) {
+TEST(LongArithmetic, byte_strings_map_to_limbs_at_odd_addresses) {
     for (const short size : {0, 1, 2, 3, 20, 64, 32766, 32767}) {
         Bytes bytes(static_cast<std::size_t>(size) + 2, 0xCC);
         for (int i = 1; i <= size; ++i) bytes[i] = static_cast<unsigned char>(i * 89 ^ i >> 8);
@@ -52,61 +57,84 @@ TEST(LongArithmetic, byte_strings_of_every_length_map_to_limbs_and_back_at_odd_a
     }
 }
 
-TEST(LongArithmetic, a_count_of_zero_or_below_looks_at_nothing) {
-    for (const short none : {0, -1, -32768}) {
-        packLAN(nullptr, nullptr, none);
-        unpackLAN(nullptr, nullptr, none);
-        subtLAN(nullptr, nullptr, none);
-        multmodLAN(nullptr, nullptr, nullptr, nullptr, 1, none);
-        privLAN(nullptr, nullptr, 1, 4, 4, none);
+TEST(LongArithmetic, a_count_of_zero_or_below_reads_nothing) {
+    Bytes bytes(2);
+    Limbs limbs(1);
+    for (const short count : {0, -1, -32768}) {
+        packLAN(bytes.data(), limbs.data(), count);
+        unpackLAN(limbs.data(), bytes.data(), count);
+        subtLAN(nullptr, nullptr, count);
+        multmodLAN(nullptr, nullptr, nullptr, nullptr, 1, count);
+        privLAN(nullptr, nullptr, 1, 4, 4, count);
     }
 }
 
-TEST(LongArithmetic, subtraction_borrows_through_all_limbs_and_drops_the_last_borrow) {
+TEST(LongArithmetic, subtraction_borrows_through_all_limbs) {
     Limbs a(32767);
     Limbs one(32767);
     one[0] = 1;
     subtLAN(a.data(), one.data(), 32766);
     EXPECT_EQ(std::count(a.begin(), a.end() - 1, 0xFFFF), 32766);
-    EXPECT_EQ(a.back(), 0);
-    subtLAN(a.data(), a.data(), 32767);
-    EXPECT_EQ(a, Limbs(32767));
+    EXPECT_EQ(a.back(), 0) << "the last borrow is dropped";
 }
 
-TEST(LongArithmetic, reductions_leave_what_their_steps_leave) {
+TEST(LongArithmetic, reductions_agree_with_the_vectors) {
     for (Vector& v : vectors("reduction")) {
-        privLAN(v[3].data(), v[4].data(), v[5][0], v[0][0], v[1][0], v[2][0]);
-        ASSERT_EQ(v[3], v[6]) << testing::PrintToString(v);
+        privLAN(v["a"].data(), v["m"].data(), v["mont"][0], static_cast<short>(v["na"][0]),
+                static_cast<short>(v["nm"][0]), static_cast<short>(v["k"][0]));
+        ASSERT_EQ(v["a"], v["result"]) << testing::PrintToString(v);
     }
 }
 
-TEST(LongArithmetic, powers_are_almost_reduced_and_a_single_window_is_its_table_entry) {
+TEST(LongArithmetic, small_exponents_have_the_windows_of_the_model) {
+    for (unsigned exponent = 0; exponent < 1 << 12; ++exponent)
+        for (short width = 1; width <= 8; ++width)
+            for (const short position : {1, 7, 8, 9, 12, 16})
+                check_windows({static_cast<unsigned char>(exponent),
+                               static_cast<unsigned char>(exponent >> 8)},
+                              position, width);
+}
+
+TEST(LongArithmetic, a_window_at_the_bottom_only_moves_down) {
+    for (const short start : {0, -1, -7, -32767}) {
+        short position = start;
+        short window = 77;
+        stelLAN(nullptr, &position, &window, 5);
+        EXPECT_EQ(position, start - 1);
+        EXPECT_EQ(window, 77);
+    }
+}
+
+TEST(LongArithmetic, powers_agree_with_the_vectors) {
     for (const Vector& given : vectors("power")) {
         Vector v = given;
         Limbs out(32);
-        expmodLAN(out.data(), bytes_of(v[0]), v[2].data(), bytes_of(v[1]));
+        expmodLAN(out.data(), bytes_of(v["e1"]), v["table"].data(), bytes_of(v["e2"]));
         EXPECT_EQ(v, given);
-        ASSERT_TRUE(out == v[3] || out == v[4]) << testing::PrintToString(v);
+        const bool agrees = out == v["result"] || out == v["other"];
+        ASSERT_TRUE(agrees) << testing::PrintToString(v);
     }
 }
 
-TEST(LongArithmetic, inverses_may_lie_over_their_numbers_at_any_offset) {
+TEST(LongArithmetic, inverses_may_overlap_their_numbers_at_any_offset) {
     std::size_t offset = 0;
     for (Vector& v : vectors("inverse")) {
         Limbs memory(30);
         unsigned char* const x = bytes_of(memory) + ++offset % 41;
-        std::copy_n(bytes_of(v[0]), 20, x);
+        std::copy_n(bytes_of(v["x"]), 20, x);
         invertLAN(x, &memory[10]);
-        ASSERT_EQ(Limbs(&memory[10], &memory[20]), v[1]) << testing::PrintToString(v);
+        ASSERT_EQ(Limbs(&memory[10], &memory[20]), v["result"]) << testing::PrintToString(v);
     }
 }
 
-TEST(LongArithmetic, signatures_at_odd_addresses_over_records_cut_behind_the_state_are_judged) {
-    for (Vector& v : vectors("signature"))
-        EXPECT_EQ(CheckSignature(bytes_of(v[0]) + 1, bytes_of(v[1]) + 1,
-                                 reinterpret_cast<HASH_CTX*>(v[2].data())),
-                  v[3][0])
-            << testing::PrintToString(v);
+// The records end after their states.
+TEST(LongArithmetic, signatures_agree_with_the_vectors) {
+    for (Vector& v : vectors("signature")) {
+        auto* const digest = reinterpret_cast<HASH_CTX*>(v["digest"].data());
+        const int code =
+            CheckSignature(bytes_of(v["key"]) + 1, bytes_of(v["signature"]) + 1, digest);
+        EXPECT_EQ(code, v["code"][0]) << testing::PrintToString(v);
+    }
 }
 
 }  // namespace

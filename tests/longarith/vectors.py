@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Writes operands and results of the long arithmetic, computed with Python's integers, a case a line:
-  reduction NA NM K A M MONT RESULT    A and RESULT of the larger of NA and NM limbs
-  power E1 E2 TABLE RESULT OTHER       g^E1 * y^E2 * 2^512 mod p, with p added where OTHER holds it
-  inverse X RESULT
-  signature KEY SIGNATURE DIGEST CODE  the blobs start in the second byte, so at odd addresses
-Each is a big-endian hexadecimal number of whole limbs, tables and blobs too.
+"""Writes operands and results of the long arithmetic, computed with Python's integers. A line is a
+case: its kind, then NAME=NUMBER for each operand and result, in big-endian hexadecimal of whole limbs.
+  reduction   na nm k a m mont result   a and result have the larger of na and nm limbs
+  power       e1 e2 table result other  g^e1 * y^e2 * 2^512 mod p, with p added where `other` holds it
+  inverse     x result
+  signature   key signature digest code the blobs start in the second byte, so at odd addresses
 usage: vectors.py DOMAIN_FILE
 """
 import random
@@ -17,8 +17,10 @@ rng = random.Random(186)
 R = 1 << 512
 
 
-def hexadecimal(limbs, *numbers):
-    return " ".join(f"{x:0{4 * limbs}x}" for x in numbers)
+def case(kind, **fields):
+    """Prints a case. Each field is a number and its width in limbs; a number alone has one limb."""
+    pairs = ((name, f if isinstance(f, tuple) else (f, 1)) for name, f in fields.items())
+    print(kind, *(f"{name}={number:0{4 * limbs}x}" for name, (number, limbs) in pairs))
 
 
 def operand(bits):
@@ -36,10 +38,6 @@ def inverse(x, m):
     return pow(x, -1, m) if m > 1 else 0
 
 
-def montgomery_constant(m):
-    return -inverse(m, 1 << 16) % (1 << 16)
-
-
 def reduced(a, m, k):
     """(a + U*m) / 2^(16k) for the U below 2^(16k) that makes the division exact."""
     r = 1 << 16 * k
@@ -51,12 +49,12 @@ def reduction():
     nm, k = rng.choice([na, rng.randint(1, 34)]), rng.choice([na, rng.randint(0, 40)])
     n = max(na, nm)
     a, m = operand(16 * n), operand(16 * nm) | 1
-    print("reduction", hexadecimal(1, na, nm, k), hexadecimal(n, a), hexadecimal(nm, m),
-          hexadecimal(1, montgomery_constant(m)), hexadecimal(n, reduced(a, m, k)))
+    case("reduction", na=na, nm=nm, k=k, a=(a, n), m=(m, nm), mont=-inverse(m, 1 << 16) % (1 << 16),
+         result=(reduced(a, m, k), n))
 
 
-def form(a):
-    """The Montgomery form of a residue modulo p, at times the one above p."""
+def montgomery_form(a):
+    """The residue a*R modulo p, at times with p added."""
     x = a * R % p
     return x + p if x + p < R and rng.randrange(2) else x
 
@@ -67,31 +65,31 @@ def joined(bits, numbers):
 
 def power(e1, e2):
     y = operand(512) % p  # of any order
-    table = [form(pow(y, (2 * k + 1) << 40 * j, p)) for j in range(4) for k in range(2)]
+    table = [montgomery_form(pow(y, (2 * k + 1) << 40 * j, p)) for j in range(4) for k in range(2)]
     result = pow(g, e1, p) * pow(y, e2, p) * R % p
     other = result + p if result + p < R else result
-    print("power", hexadecimal(10, e1, e2), hexadecimal(256, joined(512, table)),
-          hexadecimal(32, result, other))
+    case("power", e1=(e1, 10), e2=(e2, 10), table=(joined(512, table), 256), result=(result, 32),
+         other=(other, 32))
 
 
 def single_window(entry):
     """The power is the table's entry, any number of 512 bits."""
     table = [R - 1 - i for i in range(8)]
     e2 = (1, 3)[entry % 2] << 40 * (entry // 2)
-    print("power", hexadecimal(10, 0, e2), hexadecimal(256, joined(512, table)),
-          hexadecimal(32, table[entry], table[entry]))
+    case("power", e1=(0, 10), e2=(e2, 10), table=(joined(512, table), 256), result=(table[entry], 32),
+         other=(table[entry], 32))
 
 
 def inversion(x):
-    print("inverse", hexadecimal(10, x, 0 if x % q == 0 else inverse(x, q)))
+    case("inverse", x=(x, 10), result=(0 if x % q == 0 else inverse(x, q), 10))
 
 
-def judged(key, r, s, digest, code):
-    """A number out of range decides the code, and that of r comes first."""
+def verification(key, r, s, digest, code):
+    """A number out of range decides the code, r before s."""
     for x in (s, r):
         code = 0x7707 if x >= q else 0x707 if x == 0 else code
-    print("signature", hexadecimal(129, key << 8), hexadecimal(21, joined(160, [r, s]) << 8),
-          hexadecimal(10, digest), hexadecimal(1, code))
+    case("signature", key=(key << 8, 129), signature=(joined(160, [r, s]) << 8, 21), digest=(digest, 10),
+         code=code)
 
 
 def signature(digest):
@@ -101,9 +99,9 @@ def signature(digest):
         x, k = (operand(160) % (q - 1) + 1 for _ in range(2))
         r = pow(g, k, p) % q
         s = inverse(k, q) * (digest + x * r) % q
-    key = joined(512, [form(pow(g, x << 40 * j, p)) for j in range(4)])
-    judged(key, r, s, digest, 0)
-    judged(key, r, s, digest ^ 1 << rng.randrange(160), 0xF0F)
+    key = joined(512, [montgomery_form(pow(g, x << 40 * j, p)) for j in range(4)])
+    verification(key, r, s, digest, 0)
+    verification(key, r, s, digest ^ 1 << rng.randrange(160), 0xF0F)
     return key, r, s
 
 
@@ -116,7 +114,7 @@ for number in range(8):
     single_window(number)
 for number in [0, 1, 2, q - 1, q, q + 1, (1 << 160) - 1, *(1 << i for i in range(160))]:
     inversion(number)
-for shift in range(160):  # the division of numbers with equal heads
+for shift in range(160):  # numbers whose highest digits are those of q
     inversion(q - rng.getrandbits(shift))
     inversion((q >> shift) + rng.randrange(2))
 for _ in range(3000):
@@ -126,4 +124,6 @@ for message in [0, 1, q - 1, q, q + 1, (1 << 160) - 1, *(operand(160) for _ in r
     public_key, valid_r, valid_s = signature(message)
 for wrong_r in [valid_r, 0, 1, q - 1, q, q + 1, (1 << 160) - 1]:
     for wrong_s in [0, 1, q - 1, q, q + 1, (1 << 160) - 1]:
-        judged(public_key, wrong_r, wrong_s, message, 0xF0F)
+        verification(public_key, wrong_r, wrong_s, message, 0xF0F)
+for limb in range(10):  # a key of 0 gives the number 0, which differs from r in one limb
+    verification(0, 1 << 16 * limb, 1, message, 0xF0F)

@@ -1,24 +1,29 @@
-// The string helpers and the memory routines by the fuzzer's models, and what no input reaches.
+// The string helpers by their models, and what depends on the locale, on null and on allocation.
 #include <gtest/gtest.h>
-#include <ktbase/text.h>
 
 #include <climits>
-#include <stdexcept>
+#include <new>
 
-#include "fuzz.h"
+#include "text_model.h"
 
-static bool folds_all = false;
+static bool everything_folds_to_x = false;
+static bool memory_is_exhausted = false;
 static int allocations = 0;
+static std::size_t array_bytes = 0;  // of the last array
 
-// These take the place of the system's: a locale where everything folds to x, and a count.
+// These take the places of the system's.
 extern "C" int tolower(int c) noexcept {
-    const bool upper = c >= 'A' && c <= 'Z';
-    if (folds_all) return 'x';
-    return upper ? c + 32 : c < -1 ? c + 256 : c;
+    if (everything_folds_to_x) return 'x';
+    return c == 255 ? c : folded_rank(static_cast<char>(c));
 }
 void* operator new(std::size_t size) {
+    if (memory_is_exhausted) throw std::bad_alloc();
     ++allocations;
     return std::malloc(size);
+}
+void* operator new[](std::size_t size) {
+    array_bytes = size;
+    return operator new(size);
 }
 // Never inlined, or the compiler would see free() take what operator new gave.
 [[gnu::noinline]] void operator delete(void* memory) noexcept {
@@ -27,52 +32,140 @@ void* operator new(std::size_t size) {
 [[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
+[[gnu::noinline]] void operator delete[](void* memory) noexcept {
+    std::free(memory);
+}
+[[gnu::noinline]] void operator delete[](void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
 
 namespace {
 
 using namespace std::string_literals;
 
-TEST(StringHelpers, every_pair_of_bytes_ranks_folds_and_is_found_as_in_the_models) {
-    for (unsigned i = 0; i < 1 << 17; ++i) {
-        const auto x = static_cast<unsigned char>(i >> 8);
-        const auto y = static_cast<unsigned char>(i);
-        const auto as_signed = static_cast<unsigned char>(i >> 16 << 7 | 1);
-        const unsigned char input[] = {2, y, as_signed, 3, 'p', x, x, y, 'A'};
-        LLVMFuzzerTestOneInput(input, sizeof input);
+const char* const null = nullptr;
+
+char character(unsigned code) {
+    return static_cast<char>(code);
+}
+
+TEST(StringHelpers, every_pair_of_bytes_compares_as_in_the_models) {
+    for (unsigned pair = 0; pair < 1 << 16; ++pair) {
+        const std::string x = {'p', character(pair >> 8), 'a'};
+        const std::string y = {'p', character(pair), 'A'};
+        check_comparisons(x, y, 2);
+        check_memory_comparisons(x, y);
     }
 }
 
-TEST(StringHelpers, compare_as_the_locale_folds_and_allocate_nothing_for_it) {
-    std::string a(99, 'a');
-    const std::string b(99, 'b');
-    const int before = allocations;
-    folds_all = true;
-    EXPECT_EQ(KsStrcasecmp(a, b.c_str()) | KsStrncasecmp(b.c_str(), a, 98) | KsStrcasecmp(b, a), 0);
-    EXPECT_EQ(KsStrcmp(a, b.c_str()) & KsStrncmp(a.c_str(), b, 98), -1);
-    ConvertToLowerCase(a);
-    folds_all = false;
-    EXPECT_EQ(allocations, before);
-    EXPECT_EQ(a, std::string(99, 'x'));
+TEST(StringHelpers, every_byte_is_searched_for_as_in_the_models) {
+    for (unsigned pair = 0; pair < 1 << 16; ++pair) {
+        const std::string text = {'p', character(pair), character(pair), 'q'};
+        check_searches(text, static_cast<int>(pair >> 8));
+        check_searches(text, static_cast<signed char>(pair >> 8));
+    }
 }
 
-TEST(StringHelpers, take_null_for_empty_counts_for_unsigned_and_their_own_text_for_source) {
-    const char* const null = nullptr;
-    EXPECT_EQ(KsStrcmp(null, ""s) | KsStrcasecmp(""s, null) | KsStrncmp(""s, null, 1), 0);
-    EXPECT_EQ(KsStrcmp(null, "x"s) & KsStrcasecmp(null, "x"s) & KsStrncasecmp(null, "x"s, 1), -1);
-    EXPECT_EQ(KsStrncmp("ab"s, "abc"s, UINT_MAX) & KsStrncasecmp("AB"s, "abc", UINT_MAX), -1);
-    std::string self = "abcdefgh";
-    EXPECT_THROW(KsStrncpy(self, null, 0), std::logic_error);
-    KsStrncpy(self.data() + 2, self, 5);
-    KsStrncpy(self.data(), self, 8);
-    KsStrcpy(self.data(), self);
-    KsStrncpy(self, self, 7);
-    KsStrncpy(self, self, UINT_MAX);
-    EXPECT_EQ(self, "ababcde");
-    KsStrcpy(self, null);
-    EXPECT_EQ(self, "");
+TEST(StringHelpers, every_byte_is_edited_as_in_the_models) {
+    for (unsigned code = 0; code < 256; ++code) {
+        check_edits({character(code)});
+        check_edits({character(code), ' ', character(code), 'B', '\t', character(code)});
+    }
+}
+
+TEST(StringHelpers, texts_of_every_length_are_copied_as_in_the_models) {
+    const std::string text = "ab\0cdefghijk"s;
+    for (std::size_t size = 0; size <= text.size(); ++size)
+        for (unsigned n = 0; n < 20; ++n) {
+            check_copies(text.substr(0, size), n);
+            check_comparisons(text.substr(0, size), text, n);
+        }
+}
+
+TEST(StringHelpers, the_locale_folds) {
+    everything_folds_to_x = true;
+    std::string text = "abc";
+    ConvertToLowerCase(text);
+    const int order_of_all = KsStrcasecmp("Ab"s, "cD");
+    const int order_of_first = KsStrncasecmp("Ab"s, "cDe", 2);
+    everything_folds_to_x = false;
+    EXPECT_EQ(text, "xxx");
+    EXPECT_EQ(order_of_all, 0);
+    EXPECT_EQ(order_of_first, 0);
+}
+
+TEST(StringHelpers, comparisons_allocate_nothing) {
+    const std::string a(99, 'a');
+    const std::string b(99, 'b');
+    allocations = 0;
+    KsStrcmp(a, b.c_str());
+    KsStrncmp(a.c_str(), b, 98);
+    KsStrcasecmp(b, a.c_str());
+    KsStrncasecmp(b.c_str(), a, 98);
+    EXPECT_EQ(allocations, 0);
+}
+
+TEST(StringHelpers, null_compares_as_the_empty_text) {
+    EXPECT_EQ(KsStrcmp(null, ""s), 0);
+    EXPECT_EQ(KsStrcmp(""s, null), 0);
+    EXPECT_EQ(KsStrcmp(null, "x"s), -1);
+    EXPECT_EQ(KsStrcasecmp("x"s, null), 1);
+    EXPECT_EQ(KsStrncmp(null, "x"s, 1), -1);
+    EXPECT_EQ(KsStrncasecmp(null, ""s, 1), 0);
+}
+
+TEST(StringHelpers, counts_are_unsigned) {
+    EXPECT_EQ(KsStrncmp("ab"s, "ab", UINT_MAX), 0);
+    EXPECT_EQ(KsStrncasecmp("AB"s, "abc", UINT_MAX), -1);
+    std::string copy;
+    KsStrncpy(copy, "abc"s, UINT_MAX);
+    EXPECT_EQ(copy, "abc");
+}
+
+TEST(StringHelpers, arrays_may_lie_in_their_source) {
+    std::string text = "abcdefgh";
+    KsStrncpy(text.data() + 2, text, 5);
+    EXPECT_EQ(text, "ababcdeh");
+    KsStrncpy(text.data(), text, 8);
+    KsStrcpy(text.data(), text);
+    EXPECT_EQ(text, "ababcdeh");
+}
+
+TEST(StringHelpers, a_null_array_receives_nothing) {
     KsStrcpy(static_cast<char*>(nullptr), "abc"s);
     KsStrncpy(static_cast<char*>(nullptr), "abc"s, 2);
-    EXPECT_EQ(e_strrchr(nullptr, 'a'), nullptr);
+}
+
+TEST(StringHelpers, a_whole_copy_of_null_is_empty) {
+    std::string text = "abc";
+    KsStrcpy(text, null);
+    EXPECT_EQ(text, "");
+}
+
+TEST(StringHelpers, a_counted_copy_of_null_throws) {
+    std::string text = "abc";
+    EXPECT_THROW(KsStrncpy(text, null, 0), std::logic_error);
+    EXPECT_EQ(text, "abc");
+}
+
+TEST(StringHelpers, KsStrdup_makes_one_array_of_its_size) {
+    const std::string source(99, 'a');
+    allocations = 0;
+    delete[] KsStrdup(source);
+    EXPECT_EQ(allocations, 1);
+    EXPECT_EQ(array_bytes, 100U);
+}
+
+TEST(StringHelpers, KsStrdup_throws_when_memory_is_exhausted) {
+    bool thrown = false;
+    memory_is_exhausted = true;
+    try {
+        KsStrdup("abc"s);
+    } catch (const std::bad_alloc&) {
+        thrown = true;
+    }
+    memory_is_exhausted = false;
+    EXPECT_TRUE(thrown);
 }
 
 }  // namespace
