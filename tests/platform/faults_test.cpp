@@ -10,7 +10,7 @@ enum Repeat { kOnce, kAlways };
 struct Fault {
     Outcome (*operation)();
     const char* call;  // fails with EIO
-    int use;           // the use that fails, counted from 1
+    int nth;           // the first call of this name that fails, counted from 1
     Repeat repeat;
     int result;
     int error;
@@ -97,13 +97,13 @@ TEST_F(Platform, a_fault_has_its_outcome_without_a_leak) {
     for (const char* path : {"a.txt", "b.txt"}) write(path);
     fs::create_symlink("a.txt", "l.txt");
     for (const Fault& fault : kFaults) {
-        SCOPED_TRACE(testing::Message() << fault.call << ' ' << fault.use << ' ' << fault.repeat);
+        SCOPED_TRACE(testing::Message() << fault.call << ' ' << fault.nth << ' ' << fault.repeat);
         const auto run = [&fault] {
-            calls = {fault.call, fault.use, fault.repeat == kAlways, EIO};
+            calls = {fault.call, fault.nth, fault.repeat == kAlways, EIO};
             return fault.operation();
         };
         const Outcome outcome = run();
-        EXPECT_GE(calls.made[fault.call], fault.use) << "the fault is not reached";
+        EXPECT_GE(calls.made[fault.call], fault.nth) << "the fault is not reached";
         EXPECT_EQ(outcome.result, fault.result);
         EXPECT_EQ(outcome.error, fault.error);
         EXPECT_EQ(outcome.lines, fault.lines);
