@@ -106,6 +106,16 @@ TEST_F(Platform, an_entry_that_vanished_is_delivered) {
     EXPECT_EQ(enumeration.next(), -1);
 }
 
+TEST_F(Platform, a_delivered_entry_leaves_errno_unchanged) {
+    for (const char* path : {"a", "b"}) write(path);
+    const Enumeration enumeration("[ab]");
+    for (const char* path : {"a", "b"}) fs::remove(path);
+    errno = kUntouched;
+    EXPECT_EQ(enumeration.next(), 0);
+    EXPECT_EQ(errno, kUntouched);
+    EXPECT_EQ(enumeration.next(), -1);
+}
+
 TEST_F(Platform, a_full_budget_refuses_an_enumeration_without_a_system_call) {
     for (const auto& [count, limit] : {std::pair{64, 64}, {2, 1}, {0, 0}, {0, -1}}) {
         SYS_OPENFILES = count;

@@ -70,6 +70,16 @@ TEST_F(Platform, reading_continues_where_writing_stops) {
     EXPECT_EQ(KtCloseFile(file), 0);
 }
 
+TEST_F(Platform, a_short_read_is_one_system_call) {
+    write("file");
+    const KtFileHandle file = KtOpenFile("file", O_RDONLY, 0, 0);
+    char buffer[16];
+    calls = {};
+    EXPECT_EQ(KtReadFile(file, buffer, sizeof buffer), 10);
+    EXPECT_EQ(calls.made["read"], 1);
+    KtCloseFile(file);
+}
+
 TEST_F(Platform, a_length_has_31_bits) {
     const KtFileHandle file = KtOpenFile("file", O_RDWR | O_CREAT, 0, 0);
     EXPECT_EQ(truncate64("file", 0x7FFFFFFF), 0);

@@ -20,9 +20,9 @@ namespace {
 // The arguments are only for the observer.
 bool fails(const std::string& name, const std::string& arguments = "") {
     if (calls.observer) calls.observer(name + arguments);
-    const int use = ++calls.made[name];
-    if (name != calls.failing || use < calls.use) return false;
-    if (use > calls.use && !calls.always) return false;
+    const int made = ++calls.made[name];
+    if (name != calls.failing || made < calls.nth) return false;
+    if (made > calls.nth && !calls.always) return false;
     errno = calls.error;
     return true;
 }

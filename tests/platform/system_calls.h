@@ -10,12 +10,12 @@
 
 struct Calls {
     std::string failing = {};  // the name of the call that fails with `error`
-    int use = 0;               // the use that fails, counted from 1
-    bool always = false;       // whether all later uses fail as well
+    int nth = 0;               // the first call of this name that fails, counted from 1
+    bool always = false;       // whether all later ones fail as well
     int error = 0;
     std::vector<const char*> listing = {};  // the names in any directory, if not empty
     std::function<void(const std::string&)> observer = {};  // gets each call before it is made
-    std::map<std::string, int> made = {};                   // uses by name
+    std::map<std::string, int> made = {};                   // calls by name
 };
 extern Calls calls;
 
