@@ -2,8 +2,9 @@
 //
 //     daily_directory 1000000000 'open "my log.txt" append'
 //
-// Shows the pinned clock, local dates, a chain of directories, full paths beside the program, and
-// the splitting of a command text. A SECONDS of 0 leaves the clock to run.
+// Shows how to set the clock, convert a local date, create a chain of directories, make the full
+// path of a file in the program's directory, and split a command line. If SECONDS is 0, the clock
+// runs.
 #include <ktbase/platform.h>
 
 #include <cerrno>
@@ -14,7 +15,7 @@ namespace {
 
 constexpr char kSettings[] = "settings.ini";
 
-// Sets `seconds` to the number that `text` is; false when it is none.
+// Converts `text` to `seconds`. Returns false if it is no number of 31 bits.
 bool parse_seconds(const char* text, std::int32_t& seconds) {
     char* end = nullptr;
     errno = 0;
@@ -26,8 +27,8 @@ bool parse_seconds(const char* text, std::int32_t& seconds) {
 bool make_directory_of_the_day() {
     KtLocalDate date;
     if (KtTimeToLocalDate(KtGetTime(), &date) == nullptr) return false;
-    // The system takes the backslashes for part of each name: "logs", "logs\2001" and so on come to
-    // stand side by side in the current directory.
+    // To the system a backslash is part of a name, so "logs", "logs\2001" and so on are all made in
+    // the current directory.
     char path[64];
     std::snprintf(path, sizeof path, "logs\\%04d\\%02d\\%02d", date.tm_year + 1900, date.tm_mon + 1,
                   date.tm_mday);
@@ -46,7 +47,7 @@ void print_path_of_settings(KtCmdLine& program) {
 }
 
 bool print_words(const char* text) {
-    static KtCmdLine commands;  // static: pCmdLine names it from now on
+    static KtCmdLine commands;  // static, because pCmdLine points to it from now on
     if (std::strlen(text) >= sizeof commands.text) return false;
     CopyTextString(commands.text, text);
     commands.ParseCmdLine();

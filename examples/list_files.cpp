@@ -2,7 +2,7 @@
 //
 //     list_files 'logs/*.txt'
 //
-// Shows an enumeration run to its end, links and what they point to, and the per-entry errors.
+// Shows how to run an enumeration to its end, and how to report links and the errors of entries.
 #include <dirent.h>
 #include <ktbase/platform.h>
 #include <ktbase/text.h>
@@ -33,14 +33,15 @@ char type_letter(KtFileAttributes attributes) {
     return S_ISREG(attributes) ? '-' : 's';  // devices, pipes and sockets
 }
 
-// The entry's size. Exactly 2 GiB is the one size that does not fit the sign.
+// The entry's size. A file of exactly 2 GiB has the size -2147483648, which reads right as
+// unsigned.
 std::string size_text(Dirent* found) {
     if (KtFindGetFileAttributes(found) == -1) return "?";
     return std::to_string(static_cast<unsigned>(KtFindGetFileSize(found)));
 }
 
 std::string name_text(Dirent* found) {
-    // The name lives no longer than the entry is current: copy it.
+    // The name is valid only until the next entry. Copy it.
     std::string text = KtFindGetFileName(found);
     const char* const path = found->getLastName();
     if (found->isLink != 0 && path != nullptr) {
@@ -63,7 +64,7 @@ int fail(const char* what, const char* why) {
     return 1;
 }
 
-// A name may hold anything but a NUL and a slash; control characters stay off the terminal.
+// A name may hold any character but NUL and the slash. Do not print control characters.
 std::string printable(std::string text) {
     for (char& c : text)
         if ((ks_char_map[static_cast<unsigned char>(c)] & CHAR_CTL) != 0) c = '?';
@@ -91,7 +92,7 @@ int main(int argc, char** argv) {
     Dirent* found = nullptr;
     const KtFindHandle find = KtFindFirst(pattern, &found);
     if (find == -1) {
-        // ENOENT may be the directory's or the mask's.
+        // ENOENT: the directory does not exist, or no entry matches.
         const int error = errno;
         const bool none = error == 0 || (error == ENOENT && directory_exists(pattern));
         return fail(pattern, none ? "nothing matches" : std::strerror(error));
@@ -100,7 +101,7 @@ int main(int argc, char** argv) {
     do {
         rows.push_back(
             {type_letter(KtFindGetFileAttributes(found)), size_text(found), name_text(found)});
-        errno = 0;  // still 0 behind the last entry, unless the directory could not be read
+        errno = 0;  // stays 0 at the end, unless the directory cannot be read
     } while (KtFindNext(find, found) == 0);
     const int error = errno;
 

@@ -43,9 +43,7 @@ Outcome outcome_of(int result) {
 const char* const kFile = ".//a.txt 10 81a4 81a4 0 0";
 const char* const kLink = ".//l.txt 10 a1ff 81a4 1 0";
 const char* const kLast = ".//b.txt 10 81a4 81a4 0 0";
-const char* const kFileNotQueried = ".//a.txt -1 ffffffff ffffffff 0 4";
 const char* const kLinkNotQueried = ".//l.txt -1 ffffffff ffffffff 0 4";
-const char* const kLastNotQueried = ".//b.txt -1 ffffffff ffffffff 0 4";
 const char* const kLinkNotFollowed = ".//l.txt 5 a1ff a1ff 1 4";
 const char* const kNotNamed = "? -1 ffffffff ffffffff 0 12";
 const Lines kAll = {kFile, kLink, kLast};
@@ -54,30 +52,19 @@ const Fault kFaults[] = {
     {enumerate_texts, "strdup", 1, kOnce, -1, ENOMEM, {}},
     {enumerate_texts, "new", 1, kOnce, -1, ENOMEM, {}},
     {enumerate_texts, "new[]", 1, kOnce, -1, ENOMEM, {}},
-    {enumerate_texts, "new[]", 1, kAlways, -1, ENOMEM, {}},
     {enumerate_texts, "new[]", 2, kOnce, -1, ENOMEM, {}},
     {enumerate_texts, "new[]", 3, kOnce, 0, kUntouched, {kNotNamed, kLink, kLast}},
     {enumerate_texts, "new[]", 3, kAlways, 0, kUntouched, {kNotNamed, kNotNamed, kNotNamed}},
-    {enumerate_texts, "new[]", 5, kOnce, 0, kUntouched, {kFile, kLink, kNotNamed}},
     {enumerate_texts, "setlocale", 1, kOnce, 0, kUntouched, kAll},  // the query
     {enumerate_texts, "setlocale", 2, kOnce, 0, kUntouched, kAll},  // the change to "C"
     {enumerate_texts, "setlocale", 3, kOnce, 0, kUntouched, kAll},  // the first restoration
     {enumerate_texts, "opendir", 1, kOnce, -1, EINTR, {}},
     {enumerate_texts, "readdir64", 1, kOnce, -1, EINTR, {}},
-    {enumerate_texts, "readdir64", 2, kOnce, -1, EINTR, {}},
     {enumerate_texts, "readdir64", 3, kOnce, 0, EINTR, {kFile}},
     {enumerate_texts, "readdir64", 5, kOnce, 0, EINTR, {kFile, kLink}},
     {enumerate_texts, "readdir64", 7, kOnce, 0, EINTR, kAll},
     {enumerate_texts, "closedir", 1, kOnce, 0, kUntouched, kAll},
-    {enumerate_texts, "lstat64", 1, kOnce, 0, kUntouched, {kFileNotQueried, kLink, kLast}},
     {enumerate_texts, "lstat64", 2, kOnce, 0, kUntouched, {kFile, kLinkNotQueried, kLast}},
-    {enumerate_texts,
-     "lstat64",
-     2,
-     kAlways,
-     0,
-     kUntouched,
-     {kFile, kLinkNotQueried, kLastNotQueried}},
     {enumerate_texts, "stat64", 1, kOnce, 0, kUntouched, {kFile, kLinkNotFollowed, kLast}},
     {create_chain, "strdup", 1, kOnce, -1, EINTR, {}},
     {create_chain, "mkdir", 1, kOnce, -1, EINTR, {}},
@@ -87,8 +74,6 @@ const Fault kFaults[] = {
     {[] { return outcome_of(KtCloseFile(dup(0))); }, "close", 1, kOnce, -1, EINTR, {}},
     {[] { return outcome_of(KtReadFile(0, nullptr, 0)); }, "read", 1, kOnce, -1, EINTR, {}},
     {[] { return outcome_of(KtWriteFile(1, nullptr, 0)); }, "write", 1, kOnce, -1, EINTR, {}},
-    {[] { return outcome_of(KtGetFileAttributes("l.txt")); }, "lstat64", 1, kOnce, -1, EINTR, {}},
-    {[] { return outcome_of(KtGetFileAttributes("l.txt")); }, "stat64", 1, kOnce, -1, EINTR, {}},
     {[] { return outcome_of(KtSleep(1)); }, "usleep", 1, kOnce, -1, EINTR, {}},
     {convert_time, "localtime", 1, kOnce, -1, EINTR, {"999"}}};
 

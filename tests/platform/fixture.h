@@ -84,7 +84,7 @@ inline Outcome enumerate(const char* pattern) {
     do {
         outcome.lines.push_back(describe(enumeration.found));
         errno = kUntouched;
-    } while (enumeration.next() == 0);
+    } while (enumeration.next() == 0 && errno == kUntouched);
     outcome.error = errno;
     return outcome;
 }

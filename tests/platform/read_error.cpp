@@ -1,4 +1,4 @@
-// Gives every directory one entry and then a read error.
+// Replaces readdir64: every directory has one entry, and then cannot be read.
 #include <dirent.h>
 
 #include <cerrno>
