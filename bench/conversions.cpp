@@ -12,16 +12,16 @@ namespace {
 constexpr int kBytes = 1 << 10;
 constexpr char kDigits[] = "0123456789ABCDEF";
 
-constexpr std::array<signed char, 256> make_digit_values() {
-    std::array<signed char, 256> values{};
+constexpr std::array<int, 256> make_digit_values() {
+    std::array<int, 256> values{};
     values.fill(-1);
-    for (signed char i = 0; i < 16; ++i) {
+    for (int i = 0; i < 16; ++i) {
         values[static_cast<unsigned char>(kDigits[i])] = i;
         if (i >= 10) values[static_cast<unsigned char>(kDigits[i] - 'A' + 'a')] = i;
     }
     return values;
 }
-constexpr std::array<signed char, 256> kValues = make_digit_values();
+constexpr std::array<int, 256> kValues = make_digit_values();
 
 struct DigitPairs {
     char text[256][2];

@@ -6,10 +6,10 @@
 
 namespace {
 
-template <int Function>
+template <int kFunction>
 [[gnu::target("sha,sse4.1"), gnu::always_inline]] inline __m128i twenty_rounds(__m128i abcd,
                                                                                __m128i words) {
-    for (int i = 0; i < 5; ++i) abcd = _mm_sha1rnds4_epu32(abcd, words, Function);
+    for (int i = 0; i < 5; ++i) abcd = _mm_sha1rnds4_epu32(abcd, words, kFunction);
     return abcd;
 }
 

@@ -54,42 +54,42 @@ constexpr Round kRounds[4] = {{1, 0, {7, 12, 17, 22}},
                               {3, 5, {4, 11, 16, 23}},
                               {7, 0, {6, 10, 15, 21}}};
 
-// Step T of section 3.4. b is the result of the previous step and the critical path, so each of the
-// functions F to I is added in an order that needs b last. The word is loaded from the block where
-// it is added, so no copy of the message is left to wipe.
-template <unsigned T>
+// Step kStep + 1 of section 3.4. b is the result of the previous step and the critical path, so
+// each of the functions F to I is added in an order that needs b last. The word is loaded from the
+// block where it is added, so no copy of the message is left to wipe.
+template <unsigned kStep>
 [[gnu::always_inline]] inline void step(std::uint32_t& a, std::uint32_t b, std::uint32_t c,
                                         std::uint32_t d, const unsigned char* block) {
-    constexpr const Round& kRound = kRounds[T / 16];
-    constexpr unsigned kWord = (kRound.stride * T + kRound.start) % kBlockWords;
-    a += kSines[T];
+    constexpr const Round& kRound = kRounds[kStep / 16];
+    constexpr unsigned kWord = (kRound.stride * kStep + kRound.start) % kBlockWords;
+    a += kSines[kStep];
     a += word_at(block + 4 * kWord);
     asm("" : "+r"(a));  // keeps the compiler from delaying the addition and spilling the word
-    if constexpr (T < 16) {
+    if constexpr (kStep < 16) {
         a += ((c ^ d) & b) ^ d;
-    } else if constexpr (T < 32) {
+    } else if constexpr (kStep < 32) {
         // G as a sum: no bit is set in both terms.
         a += c & ~d;
         a += b & d;
-    } else if constexpr (T < 48) {
+    } else if constexpr (kStep < 48) {
         a += (c ^ d) ^ b;
     } else {
         a += c ^ (b | ~d);
     }
-    a = b + std::rotl(a, kRound.shifts[T % 4]);
+    a = b + std::rotl(a, kRound.shifts[kStep % 4]);
 }
 
 struct WorkingState {
     std::uint32_t a, b, c, d;
 };
 
-template <unsigned First>
+template <unsigned kFirst>
 [[gnu::always_inline]] inline void sixteen_steps(WorkingState& s, const unsigned char* block) {
-    step<First>(s.a, s.b, s.c, s.d, block);
-    step<First + 1>(s.d, s.a, s.b, s.c, block);
-    step<First + 2>(s.c, s.d, s.a, s.b, block);
-    step<First + 3>(s.b, s.c, s.d, s.a, block);
-    if constexpr (First % 16 < 12) sixteen_steps<First + 4>(s, block);
+    step<kFirst>(s.a, s.b, s.c, s.d, block);
+    step<kFirst + 1>(s.d, s.a, s.b, s.c, block);
+    step<kFirst + 2>(s.c, s.d, s.a, s.b, block);
+    step<kFirst + 3>(s.b, s.c, s.d, s.a, block);
+    if constexpr (kFirst % 16 < 12) sixteen_steps<kFirst + 4>(s, block);
 }
 
 // Compresses `count` consecutive blocks.

@@ -53,14 +53,14 @@ private:
     KtFileHandle handle_;
 };
 
-template <unsigned Size>
+template <unsigned kSize>
 struct Blob {
-    unsigned char bytes[Size + 1];  // room to notice a file that is too long
+    unsigned char bytes[kSize + 1];  // room to notice a file that is too long
 
     Blob(const char* path, const char* kind) {
-        if (InputFile(path).read(bytes, sizeof bytes) != Size)
+        if (InputFile(path).read(bytes, sizeof bytes) != kSize)
             throw std::runtime_error(std::string(path) + ": not a " + kind + ", which has " +
-                                     std::to_string(Size) + " bytes");
+                                     std::to_string(kSize) + " bytes");
     }
 };
 

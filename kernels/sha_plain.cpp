@@ -32,11 +32,11 @@ struct WorkingState {
     std::uint32_t a, b, c, d, e;
 };
 
-template <auto RoundFunction, unsigned First>
+template <auto kRoundFunction, unsigned kFirst>
 void twenty_rounds(WorkingState& s, std::uint32_t* schedule) {
-    for (unsigned t = First; t < First + 20; ++t) {
-        const std::uint32_t sum = std::rotl(s.a, 5) + RoundFunction(s.b, s.c, s.d) + s.e +
-                                  schedule_word(schedule, t) + kShaConstants[First / 20];
+    for (unsigned t = kFirst; t < kFirst + 20; ++t) {
+        const std::uint32_t sum = std::rotl(s.a, 5) + kRoundFunction(s.b, s.c, s.d) + s.e +
+                                  schedule_word(schedule, t) + kShaConstants[kFirst / 20];
         s = {sum, s.a, std::rotl(s.b, 30), s.c, s.d};
     }
 }

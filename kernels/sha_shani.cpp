@@ -40,24 +40,24 @@ struct WorkingState {
     __m128i abcd, earlier;
 };
 
-template <unsigned First>
+template <unsigned kFirst>
 [[gnu::always_inline]] inline void four_rounds(WorkingState& s, __m128i words) {
     const __m128i words_and_e = _mm_sha1nexte_epu32(s.earlier, words);
     s.earlier = s.abcd;
-    s.abcd = _mm_sha1rnds4_epu32(s.abcd, words_and_e, First / 20);
+    s.abcd = _mm_sha1rnds4_epu32(s.abcd, words_and_e, kFirst / 20);
 }
 
-// Rounds First to First + 15. Replaces the previous sixteen words by those of these rounds.
-template <unsigned First>
+// Rounds kFirst to kFirst + 15. Replaces the previous sixteen words by those of these rounds.
+template <unsigned kFirst>
 [[gnu::always_inline]] inline void sixteen_rounds(WorkingState& s, __m128i* w) {
     w[0] = next_words(w[0], w[1], w[2], w[3]);
-    four_rounds<First>(s, w[0]);
+    four_rounds<kFirst>(s, w[0]);
     w[1] = next_words(w[1], w[2], w[3], w[0]);
-    four_rounds<First + 4>(s, w[1]);
+    four_rounds<kFirst + 4>(s, w[1]);
     w[2] = next_words(w[2], w[3], w[0], w[1]);
-    four_rounds<First + 8>(s, w[2]);
+    four_rounds<kFirst + 8>(s, w[2]);
     w[3] = next_words(w[3], w[0], w[1], w[2]);
-    four_rounds<First + 12>(s, w[3]);
+    four_rounds<kFirst + 12>(s, w[3]);
 }
 
 // Runs all rounds on the block whose words are in `w`, and leaves W[64] to W[79] there.

@@ -45,15 +45,15 @@ struct WorkingState {
 // One round in place. Leaves the sum in e, and the caller renames the variables. The sum of the
 // previous round is a, on the critical path, so its term is added last. The empty asm statements
 // keep the compiler from reordering the additions.
-template <unsigned Group>
+template <unsigned kGroup>
 [[gnu::always_inline]] inline void one_round(std::uint32_t a, std::uint32_t& b, std::uint32_t c,
                                              std::uint32_t d, std::uint32_t& e,
                                              std::uint32_t word_and_constant) {
     e += word_and_constant;
     asm("" : "+r"(e));
-    if constexpr (Group == 0) {
+    if constexpr (kGroup == 0) {
         e += ((c ^ d) & b) ^ d;
-    } else if constexpr (Group == 2) {
+    } else if constexpr (kGroup == 2) {
         // The majority as a sum: no bit is set in both terms.
         e += c & d;
         e += (c ^ d) & b;
@@ -67,31 +67,31 @@ template <unsigned Group>
 
 // `sums` is volatile so that each sum is loaded from memory. Otherwise the compiler extracts each
 // one from its vector, which is slower.
-template <unsigned Group>
+template <unsigned kGroup>
 [[gnu::always_inline]] inline void four_rounds(WorkingState& s,
                                                const volatile std::uint32_t* sums) {
-    one_round<Group>(s.a, s.b, s.c, s.d, s.e, sums[0]);
-    one_round<Group>(s.e, s.a, s.b, s.c, s.d, sums[1]);
-    one_round<Group>(s.d, s.e, s.a, s.b, s.c, sums[2]);
-    one_round<Group>(s.c, s.d, s.e, s.a, s.b, sums[3]);
+    one_round<kGroup>(s.a, s.b, s.c, s.d, s.e, sums[0]);
+    one_round<kGroup>(s.e, s.a, s.b, s.c, s.d, sums[1]);
+    one_round<kGroup>(s.d, s.e, s.a, s.b, s.c, sums[2]);
+    one_round<kGroup>(s.c, s.d, s.e, s.a, s.b, sums[3]);
     s = {s.b, s.c, s.d, s.e, s.a};
 }
 
-// Rounds First to First + 15, whose words are in `w`. Twenty rounds with one function and constant
+// Rounds kFirst to kFirst + 15, whose words are in `w`. Twenty rounds with one function and constant
 // are a group; a group may end within the sixteen.
-template <unsigned First>
+template <unsigned kFirst>
 [[gnu::always_inline]] inline void sixteen_rounds(WorkingState& s, const __m128i* w) {
-    constexpr unsigned kGroup[4] = {First / 20, (First + 4) / 20, (First + 8) / 20,
-                                    (First + 12) / 20};
+    constexpr unsigned kGroups[4] = {kFirst / 20, (kFirst + 4) / 20, (kFirst + 8) / 20,
+                                     (kFirst + 12) / 20};
     std::uint32_t sums[16];
     for (unsigned k = 0; k < 4; ++k) {
-        const auto constant = static_cast<int>(kShaConstants[kGroup[k]]);
+        const auto constant = static_cast<int>(kShaConstants[kGroups[k]]);
         store(sums + 4 * k, _mm_add_epi32(w[k], _mm_set1_epi32(constant)));
     }
-    four_rounds<kGroup[0]>(s, sums);
-    four_rounds<kGroup[1]>(s, sums + 4);
-    four_rounds<kGroup[2]>(s, sums + 8);
-    four_rounds<kGroup[3]>(s, sums + 12);
+    four_rounds<kGroups[0]>(s, sums);
+    four_rounds<kGroups[1]>(s, sums + 4);
+    four_rounds<kGroups[2]>(s, sums + 8);
+    four_rounds<kGroups[3]>(s, sums + 12);
 }
 
 // Replaces sixteen words by the next sixteen.
