@@ -77,8 +77,8 @@ template <unsigned kGroup>
     s = {s.b, s.c, s.d, s.e, s.a};
 }
 
-// Rounds kFirst to kFirst + 15, whose words are in `w`. Twenty rounds with one function and constant
-// are a group; a group may end within the sixteen.
+// Rounds kFirst to kFirst + 15, whose words are in `w`. Twenty rounds with one function and
+// constant are a group; a group may end within the sixteen.
 template <unsigned kFirst>
 [[gnu::always_inline]] inline void sixteen_rounds(WorkingState& s, const __m128i* w) {
     constexpr unsigned kGroups[4] = {kFirst / 20, (kFirst + 4) / 20, (kFirst + 8) / 20,
