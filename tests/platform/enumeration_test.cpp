@@ -192,6 +192,9 @@ TEST_F(Platform, null_is_no_entry) {
     Dirent without_entry("a");
     EXPECT_EQ(KtFindGetFileName(&without_entry), nullptr);
     EXPECT_EQ(without_entry.getLastName(), nullptr);
+    without_entry.lastName = new char[1];
+    EXPECT_EQ(without_entry.setLastName(), 0);
+    EXPECT_EQ(without_entry.lastName, nullptr);
     calls = {"new[]", 2, false, ENOMEM};
     Dirent without_directory("a");
     dirent64 entry = {};
