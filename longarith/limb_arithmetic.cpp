@@ -24,7 +24,7 @@ std::uint32_t reduction_limb(std::uint16_t t0, std::uint16_t mont) {
 void packLAN(unsigned char* bytes, unsigned short* limbs, short nbytes) {
     if (nbytes <= 0) return;
     const unsigned char last = bytes[nbytes - 1];
-    std::memmove(limbs, bytes, static_cast<std::size_t>(nbytes / 2 * 2));
+    std::memmove(limbs, bytes, static_cast<std::size_t>(nbytes) / 2 * 2);
     if (nbytes % 2 != 0) limbs[nbytes / 2] = last;
 }
 

@@ -33,12 +33,12 @@ int folded(char c) {
     return std::tolower(signed_value(c));
 }
 
-template <int (*Rank)(char)>
+template <int (*kRank)(char)>
 int compare(const Operand& a, const Operand& b) {
     const std::size_t common = std::min(a.length, b.length);
     for (std::size_t i = 0; i < common; ++i) {
-        const int x = Rank(a.text[i]);
-        const int y = Rank(b.text[i]);
+        const int x = kRank(a.text[i]);
+        const int y = kRank(b.text[i]);
         if (x != y) return x < y ? -1 : 1;
     }
     if (a.length == b.length) return 0;

@@ -38,14 +38,14 @@ private:
 // Reads a whole file of at most `limit` bytes. Throws Failure with `too_long` for a longer one.
 SecretBytes read_at_most(InputFile& file, std::size_t limit, const std::string& too_long);
 
-// Reads a file of exactly Size bytes.
-template <std::size_t Size>
-std::array<unsigned char, Size> read_blob(const std::string& name, const std::string& kind) {
-    const std::string reason = "not a " + kind + ", which has " + std::to_string(Size) + " bytes";
+// Reads a file of exactly kSize bytes.
+template <std::size_t kSize>
+std::array<unsigned char, kSize> read_blob(const std::string& name, const std::string& kind) {
+    const std::string reason = "not a " + kind + ", which has " + std::to_string(kSize) + " bytes";
     InputFile file(name);
-    std::array<unsigned char, Size> blob;
+    std::array<unsigned char, kSize> blob;
     std::array<unsigned char, 1> beyond;
-    if (file.read(blob) != Size || file.read(beyond) != 0) throw Failure(name, reason);
+    if (file.read(blob) != kSize || file.read(beyond) != 0) throw Failure(name, reason);
     return blob;
 }
 

@@ -10,15 +10,15 @@
 
 using ConstBytes = std::span<const unsigned char>;
 
-template <auto Function>
+template <auto kFunction>
 struct Releaser {
     template <class T>
     void operator()(T* object) const {
-        Function(object);
+        kFunction(object);
     }
 };
-template <class T, auto Function>
-using Owned = std::unique_ptr<T, Releaser<Function>>;
+template <class T, auto kFunction>
+using Owned = std::unique_ptr<T, Releaser<kFunction>>;
 
 using Number = Owned<BIGNUM, BN_clear_free>;
 using NumberContext = Owned<BN_CTX, BN_CTX_free>;
