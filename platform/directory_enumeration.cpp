@@ -123,8 +123,6 @@ Dirent::~Dirent() {
         if (std::setlocale(LC_ALL, oldLocale) == nullptr) std::setlocale(LC_ALL, oldLocale);
         std::free(oldLocale);
     }
-    // volatile keeps the store: a host may examine the storage of an object that it made in place.
-    static_cast<volatile std::int32_t&>(isLink) = 0;
     delete[] mask;
     delete[] dir;
     delete[] lastName;

@@ -160,10 +160,6 @@ void check_drawn_products() {
     }
 }
 
-TEST_P(Kernel, multiplies_drawn_values) {
-    check_drawn_products();
-}
-
 // Hosts of other compilers align the stack to 4 bytes only. What a sanitizer adds needs more.
 #ifndef __SANITIZE_ADDRESS__
 TEST_P(Kernel, runs_on_any_multiple_of_four_bytes_of_stack) {

@@ -202,14 +202,6 @@ TEST_F(Platform, null_is_no_entry) {
     EXPECT_EQ(without_directory.setLastName(), 0);
 }
 
-TEST_F(Platform, an_object_made_in_place_is_no_link_after_its_end) {
-    alignas(Dirent) unsigned char storage[sizeof(Dirent)];
-    auto* const found = new (storage) Dirent("a");
-    found->isLink = 1;
-    found->~Dirent();
-    EXPECT_EQ(storage[offsetof(Dirent, isLink)], 0);
-}
-
 TEST_F(Platform, an_entry_that_does_not_match_costs_one_read) {
     for (const char* path : {"a1", "a2"}) write(path);
     calls = {.listing = {".", "..", "b1", "a1", "b2", "b3", "a2", "b4"}};
