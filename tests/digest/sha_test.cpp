@@ -44,6 +44,8 @@ TEST(Sha, unset_records_do_not_lead_outside_themselves) {
         Words words(26, fill);
         auto* const ctx = reinterpret_cast<HASH_CTX*>(&words[1]);
         EndHash(ctx);
+        ctx->index = fill;
+        ctx->left = 4;
         HashBuf(bytes.data(), bytes.size(), ctx);
         EndHash(ctx);
         EndHash(ctx);

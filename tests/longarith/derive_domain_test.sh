@@ -68,5 +68,9 @@ rm test.domain; mkdir test.domain;                           refused "not a file
 [ "$(cat out)" = "derive_domain: /nowhere/numbers: No such file or directory" ] || fail "$(cat out)"
 "$derive" "" tables numbers 2> out && fail "accepted an empty path"
 [ "$(cat out)" = "derive_domain: \"\": not a file" ] || fail "$(cat out)"
+"$derive" /proc/self/mem tables numbers 2> out && fail "accepted a file that cannot be read"
+[ "$(cat out)" = "derive_domain: /proc/self/mem: Input/output error" ] || fail "$(cat out)"
+"$derive" 2> out && fail "ran without arguments"
+[ "$(cat out)" = "usage: derive_domain DOMAIN_FILE TABLES_SOURCE NUMBERS_HEADER" ] || fail "$(cat out)"
 
 [ "$failures" = 0 ]
