@@ -40,6 +40,12 @@ TEST(CommandLine, a_path_is_cut_to_4096_characters) {
         check_command_line(std::string(size, '/'), "name", "word");
 }
 
+TEST(CommandLine, no_arguments_give_an_empty_path) {
+    const KtCmdLine line(0, nullptr);
+    EXPECT_EQ(line.argc, 0);
+    EXPECT_STREQ(line.text, "");
+}
+
 TEST(CommandLine, the_default_table_has_room_for_the_most_words) {
     KtCmdLine line;
     EXPECT_EQ(pCmdLine, &line);
