@@ -8,7 +8,7 @@ import termios
 import time
 import unittest
 
-from harness import BUILT, EXAMPLES, KTSIGN, Test, run
+from harness import BUILT, EXAMPLES, KTSIGN, Test, run, value
 
 FAULTY = "the signature just made does not match: a faulty key or machine"
 
@@ -61,6 +61,25 @@ class Commands(Test):
             for _ in range(2):
                 subprocess.run([KTSIGN, "sign", "-o", "-", "key", "file"], stdout=collected, check=True)
         self.assertEqual(80, os.path.getsize("collected"))
+
+    def test_standard_input_is_signed(self):
+        self.does("sign", "-o", "signature", "key", "-", input="content")
+        self.assertEqual("standard input: valid\n",
+                         self.does("verify", "-s", "signature", "key.pub", "-", input="content"))
+
+    def test_show_tells_a_sound_public_key_from_another(self):
+        self.assertIn("\nsound yes\n", self.does("show", "key.pub"))
+        pathlib.Path("zero.pub").write_bytes(bytes(256))
+        self.assertIn("\nsound no\nreason y is not above 1\n", self.does("show", "zero.pub"))
+
+    def test_one_domain_has_one_fingerprint(self):
+        fingerprints = [value(self.does("show", name), "domain-fingerprint")
+                        for name in ["key", "key.pub", os.environ["DOMAIN"]]]
+        fingerprints.append(value(self.does("--version"), "domain-fingerprint"))
+        self.assertEqual(fingerprints[:1] * 4, fingerprints)
+
+    def test_help_is_printed_anywhere(self):
+        self.assertIn("usage: ktsign", self.does("sign", "key", "--help"))
 
     def test_each_of_many_files_is_signed_or_named(self):
         done = run("sign", "key", "none", "file")
