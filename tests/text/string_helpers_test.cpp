@@ -8,7 +8,6 @@
 
 static bool everything_folds_to_x = false;
 static int allocations = 0;
-static std::size_t array_bytes = 0;  // of the last array
 
 // These take the places of the system's.
 extern "C" int tolower(int c) noexcept {
@@ -19,21 +18,11 @@ void* operator new(std::size_t size) {
     ++allocations;
     return std::malloc(size);
 }
-void* operator new[](std::size_t size) {
-    array_bytes = size;
-    return operator new(size);
-}
 // Never inlined, or the compiler would see free() take what operator new gave.
 [[gnu::noinline]] void operator delete(void* memory) noexcept {
     std::free(memory);
 }
 [[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-[[gnu::noinline]] void operator delete[](void* memory) noexcept {
-    std::free(memory);
-}
-[[gnu::noinline]] void operator delete[](void* memory, std::size_t) noexcept {
     std::free(memory);
 }
 
@@ -147,14 +136,6 @@ TEST(StringHelpers, a_counted_copy_of_null_throws) {
     std::string text = "abc";
     EXPECT_THROW(KsStrncpy(text, null, 0), std::logic_error);
     EXPECT_EQ(text, "abc");
-}
-
-TEST(StringHelpers, KsStrdup_makes_one_array_of_its_size) {
-    const std::string source(99, 'a');
-    allocations = 0;
-    delete[] KsStrdup(source);
-    EXPECT_EQ(allocations, 1);
-    EXPECT_EQ(array_bytes, 100U);
 }
 
 }  // namespace

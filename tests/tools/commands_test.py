@@ -67,6 +67,24 @@ class Commands(Test):
         self.assertEqual("standard input: valid\n",
                          self.does("verify", "-s", "signature", "key.pub", "-", input="content"))
 
+    def test_a_private_key_is_read_from_standard_input(self):
+        self.does("sign", "-", "file", input=pathlib.Path("key").read_text())
+        self.does("verify", "key.pub", "file")
+
+    def test_a_link_to_a_signature_stays_a_link(self):
+        pathlib.Path("target").touch()
+        os.symlink("target", "file.sig")
+        self.does("sign", "key", "file")
+        self.assertEqual(("target", 40), (os.readlink("file.sig"), os.path.getsize("target")))
+
+    def test_a_file_system_may_lack_unnamed_files(self):
+        faults = ["-e", "inject=access:error=ENOENT", "-e", "inject=fsync:error=EINVAL:when=2"]
+        for more in [[], ["-e", "inject=renameat2:error=EINVAL"]]:
+            pathlib.Path("file.sig").unlink(missing_ok=True)
+            self.does("sign", "key", "file", before=["strace", "-o", "/dev/null", *faults, *more])
+            self.does("verify", "key.pub", "file")
+            self.assertEqual(["file", "file.sig", "key", "key.pub"], sorted(os.listdir()))
+
     def test_show_tells_a_sound_public_key_from_another(self):
         self.assertIn("\nsound yes\n", self.does("show", "key.pub"))
         pathlib.Path("zero.pub").write_bytes(bytes(256))
@@ -80,6 +98,7 @@ class Commands(Test):
 
     def test_help_is_printed_anywhere(self):
         self.assertIn("usage: ktsign", self.does("sign", "key", "--help"))
+        self.assertIn("usage: ktsign", self.does("sign", "key", "-h"))
 
     def test_each_of_many_files_is_signed_or_named(self):
         done = run("sign", "key", "none", "file")
