@@ -61,6 +61,8 @@ class Commands(Test):
             for _ in range(2):
                 subprocess.run([KTSIGN, "sign", "-o", "-", "key", "file"], stdout=collected, check=True)
         self.assertEqual(80, os.path.getsize("collected"))
+        piped = subprocess.run([KTSIGN, "sign", "-o", "-", "key", "file"], stdout=subprocess.PIPE, check=True)
+        self.assertEqual(40, len(piped.stdout))
 
     def test_standard_input_is_signed(self):
         self.does("sign", "-o", "signature", "key", "-", input="content")
@@ -70,6 +72,16 @@ class Commands(Test):
     def test_a_private_key_is_read_from_standard_input(self):
         self.does("sign", "-", "file", input=pathlib.Path("key").read_text())
         self.does("verify", "key.pub", "file")
+
+    def test_a_lost_or_damaged_public_key_is_made_again(self):
+        public = pathlib.Path("key.pub").read_bytes()
+        os.truncate("key.pub", 0)
+        self.does("public-key", "key", "key.pub")
+        self.assertEqual(public, pathlib.Path("key.pub").read_bytes())
+        pathlib.Path("key.pub").write_bytes(bytes(256))
+        self.assertEqual(2, run("public-key", "key", "key.pub").returncode)
+        self.does("public-key", "--force", "-", "key.pub", input=pathlib.Path("key").read_text())
+        self.assertEqual(public, pathlib.Path("key.pub").read_bytes())
 
     def test_a_link_to_a_signature_stays_a_link(self):
         pathlib.Path("target").touch()
@@ -132,6 +144,7 @@ class Commands(Test):
         self.assertEqual(0, on_a_terminal("new-key", "--encrypt", "locked", typed="one\none\n")[0])
         self.assertEqual(0, with_passphrase("one", "sign", "locked", "file").returncode)
         self.assertEqual(2, with_passphrase("two", "sign", "locked", "file").returncode)
+        self.assertEqual(2, with_passphrase("one" * 200, "sign", "locked", "file").returncode)
         self.assertEqual(2, on_a_terminal("new-key", "--encrypt", "other", typed="one\ntwo\n")[0])
         self.assertFalse(os.path.exists("other"))
 

@@ -105,5 +105,8 @@ class Interruptions(Test):
     def test_a_failing_call_leaves_a_whole_signature(self):
         self.strike(["sign", "key", "file"], "signed", ["error=EIO"], self.expect_signature)
 
+    def test_an_interrupted_call_leaves_a_whole_signature(self):
+        self.strike(["sign", "key", "file"], "signed", ["error=EINTR"], self.expect_signature)
+
 
 unittest.main(argv=sys.argv[:1])

@@ -57,6 +57,7 @@ REFUSALS = {
     "ktsign: rsa: not a DSA key": "sign rsa file",
     "ktsign: large: not a DSA key with a p of 512 bits and a q of 160": "sign large file",
     "ktsign: foreign: a key of another domain": "sign foreign file",
+    "ktsign: squared: a key of another domain": "sign squared file",
     "ktsign: mixed: the public value does not belong to the private key": "sign mixed file",
     "ktsign: zero: the private key is out of range": "sign zero file",
     "ktsign: strange.pub: not the public key of strange": "sign strange file",
@@ -112,11 +113,12 @@ def integer(number):
 def write_pem(name, kind, der):
     text = base64.encodebytes(der).decode()
     pathlib.Path(name).write_text(f"-----BEGIN {kind}-----\n{text}-----END {kind}-----\n")
+    os.chmod(name, 0o600)
 
 
-def write_private_key(name, x, y):
+def write_private_key(name, g, x, y):
     """In the format that has a y of its own."""
-    fields = b"".join(integer(number) for number in [0, P, Q, G, y, x])
+    fields = b"".join(integer(number) for number in [0, P, Q, g, y, x])
     write_pem(name, "DSA PRIVATE KEY", bytes([0x30, 0x81, len(fields)]) + fields)
 
 
@@ -142,8 +144,9 @@ class Refusals(Test):
         self.does("new-key", "foreign", program=BUILT + "/ktsign_fresh")
         os.remove("foreign.pub")
         openssl("pkey -in key -aes256 -passout pass:secret -out locked")
-        write_private_key("mixed", x=1, y=2)
-        write_private_key("zero", x=0, y=1)
+        write_private_key("mixed", G, x=1, y=2)
+        write_private_key("zero", G, x=0, y=1)
+        write_private_key("squared", G * G % P, x=1, y=G * G % P)
         self.does("new-key", "strange")
         os.replace("strange.pub", "other.pub")
         pathlib.Path("strange.pub").write_bytes(pathlib.Path("key.pub").read_bytes())
