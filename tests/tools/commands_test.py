@@ -2,6 +2,7 @@
 import os
 import pathlib
 import pty
+import re
 import subprocess
 import sys
 import termios
@@ -167,11 +168,12 @@ class Commands(Test):
             self.assertFalse(os.path.exists("file.sig"))
 
     def test_every_output_is_synced_before_its_directory(self):
-        for words, expected in {("sign", "key", "file"): "fd", ("public-key", "key", "copy"): "fd",
-                                ("new-domain", "domain"): "fd", ("new-key", "other"): "ffdd"}.items():
-            pathlib.Path("syncs").unlink(missing_ok=True)
-            self.assertEqual(0, self.interposed(*words, KTSIGN_SYNCS="syncs").returncode)
-            self.assertEqual(expected, pathlib.Path("syncs").read_text(), words)
+        trace = ["strace", "-y", "-e", "trace=fsync", "-o", "trace"]
+        for words, files in {("sign", "key", "file"): 1, ("public-key", "key", "copy"): 1,
+                             ("new-domain", "domain"): 1, ("new-key", "other"): 2}.items():
+            self.does(*words, before=trace)
+            synced = re.findall(r"fsync\(\d+<(.*?)>", pathlib.Path("trace").read_text())
+            self.assertEqual([False] * files + [True] * files, [path == os.getcwd() for path in synced])
 
 
 unittest.main(argv=sys.argv[:1])
