@@ -1,5 +1,5 @@
-// What the models share. A model checks the library on given values, and throws when a result
-// differs. Tests call it with named values, fuzzers with drawn ones.
+// Shared by the models. A model checks the library on given values, and throws if a result differs.
+// Tests call a model with named values, fuzzers with drawn values.
 #ifndef KTBASE_TESTS_CHECK_H
 #define KTBASE_TESTS_CHECK_H
 

@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# What the built library needs, exports, calls and does when it is loaded. script/check looks at its general
-# hardening.
+# Examines the dependencies, exports and imports of the built library, and the functions that run at load.
 # usage: library_test.sh LIBKTBASE BZERO    BZERO: the form of explicit_bzero that it calls
 set -u
 library=$1 bzero=$2

@@ -1,4 +1,4 @@
-// The reentrant services on eight threads at once. ThreadSanitizer reports what the threads share.
+// Calls the reentrant services on eight threads at once. ThreadSanitizer reports each data race.
 #include <cstdio>
 #include <thread>
 

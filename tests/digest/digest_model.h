@@ -1,5 +1,5 @@
-// Models of the digests. SHA's record is derived from the message and its length, with the rounds
-// as FIPS 180 (1993) writes them. MD5 in pieces is compared with MD5 of the whole.
+// Models of the digests. The model of SHA derives the record from the message and its length, with
+// the rounds of FIPS 180 (1993). The model of MD5 compares the digests of pieces and of the whole.
 #ifndef KTBASE_TESTS_DIGEST_MODEL_H
 #define KTBASE_TESTS_DIGEST_MODEL_H
 
@@ -38,7 +38,7 @@ inline void compress(HASH_CTX& record, const unsigned char* block) {
     std::copy(w + 64, w + 80, record.data);
 }
 
-// State and data after each number of whole blocks.
+// The records after 0, 1, 2 and more whole blocks.
 inline std::vector<HASH_CTX> records_after_blocks(const Bytes& message) {
     HASH_CTX record = {};
     constexpr std::uint32_t kInitial[] = {0x67452301, 0xEFCDAB89, 0x98BADCFE, 0x10325476,
@@ -52,7 +52,8 @@ inline std::vector<HASH_CTX> records_after_blocks(const Bytes& message) {
     return records;
 }
 
-// The record after `size` bytes. The bytes of an unfinished word are shifted into what it held.
+// The record after `size` bytes. Each byte of an incomplete word shifts the word of the block
+// before.
 inline HASH_CTX record_after(const std::vector<HASH_CTX>& after_blocks, const Bytes& message,
                              std::uint32_t size) {
     HASH_CTX record = after_blocks[size / 64];
@@ -66,8 +67,8 @@ inline HASH_CTX record_after(const std::vector<HASH_CTX>& after_blocks, const By
     return record;
 }
 
-// The record after EndHash, from that after the whole blocks, for a count of bytes that need not be
-// the message's size.
+// Returns the record after EndHash, for the record after the whole blocks. `count` may differ from
+// the size of the message.
 inline HASH_CTX finished_record(HASH_CTX record, const Bytes& message, std::uint32_t count) {
     const std::size_t size = message.size();
     Bytes padded(message.end() - size % 64, message.end());
@@ -82,7 +83,7 @@ inline HASH_CTX finished_record(HASH_CTX record, const Bytes& message, std::uint
     return record;
 }
 
-// The message in arrays of the given sizes. The last array takes the rest.
+// Splits the message into arrays of the given sizes and one array for the rest.
 inline std::vector<Bytes> pieces_of(const Bytes& message, const std::vector<std::size_t>& sizes) {
     std::vector<Bytes> pieces;
     auto at = message.begin();
@@ -95,7 +96,7 @@ inline std::vector<Bytes> pieces_of(const Bytes& message, const std::vector<std:
     return pieces;
 }
 
-// The record has counted `before` bytes when the message begins.
+// `before` is the count of the record before the message.
 inline void check_sha(const Bytes& message, const std::vector<std::size_t>& sizes,
                       std::uint32_t before = 0) {
     const std::vector<HASH_CTX> after_blocks = records_after_blocks(message);
@@ -116,7 +117,7 @@ inline void check_sha(const Bytes& message, const std::vector<std::size_t>& size
     require(ctx == finished_record(after_blocks.back(), message, before + size), "EndHash");
 }
 
-// Every name of MD5 gives one digest, of 16 bytes.
+// Checks that all functions of MD5 compute the same digest of 16 bytes.
 inline void check_md5(const Bytes& message, const std::vector<std::size_t>& sizes) {
     MD5_CTX ctx = {{}, {}, "kept"};
     MD5Init(&ctx);

@@ -1,4 +1,4 @@
-// What MD5 leaves on the stack.
+// Tests that MD5 leaves no part of the message on the stack.
 #include <gtest/gtest.h>
 #include <ktbase/digest.h>
 #include <ucontext.h>
@@ -20,11 +20,12 @@ void digest_message() {
 }
 
 void copy_message() {
-    volatile std::uint32_t copy[32];  // of words: clang would lay out bytes as it likes
+    volatile std::uint32_t copy[32];  // words: clang would reorder bytes
     std::copy_n(reinterpret_cast<const std::uint32_t*>(message), 32, copy);
 }
 
-// Calls on a stack of its own, and counts the runs of four message bytes that are left there.
+// Calls the function on a stack of its own. Returns how often four bytes of the message remain
+// there.
 int runs_left_by(void (*call)()) {
     static ucontext_t here;
     static ucontext_t there;
@@ -41,7 +42,7 @@ int runs_left_by(void (*call)()) {
     return left;
 }
 
-TEST(Md5Stack, no_run_of_the_message_stays) {
+TEST(Md5Stack, no_part_of_the_message_remains) {
     std::iota(message, message + sizeof message, static_cast<unsigned char>(77));
     EXPECT_GT(runs_left_by(copy_message), 0);
     EXPECT_EQ(runs_left_by(digest_message), 0);

@@ -1,4 +1,4 @@
-// MD5 on its known answers and in pieces, and what its record holds.
+// Tests of MD5: known answers, messages in pieces, and the record.
 #include <gtest/gtest.h>
 #include <ktbase/text.h>
 #include <sys/mman.h>
@@ -34,7 +34,7 @@ Bytes random_bytes(std::size_t size) {
     return bytes;
 }
 
-TEST(Md5, known_answers_come_out) {
+TEST(Md5, digests_equal_the_known_answers) {
     for (const KnownAnswer& known : kKnownAnswers) {
         unsigned char digest[16];
         char text[33];
@@ -44,12 +44,13 @@ TEST(Md5, known_answers_come_out) {
     }
 }
 
-TEST(Md5, pieces_of_every_size_give_the_digest_of_the_whole) {
+TEST(Md5, pieces_of_every_size_have_the_digest_of_the_whole) {
     for (std::size_t size = 0; size < 140; ++size) check_md5(random_bytes(400), {size, 7, 64 - 7});
 }
 
-// 57 bytes are buffered. Ten from the 54th on complete the block, in part over themselves.
-TEST(Md5, input_may_lie_in_the_record) {
+// The record buffers 57 bytes. The input is ten bytes of the buffer from offset 54, which complete
+// the block and overlap their copy.
+TEST(Md5, input_may_overlap_the_record) {
     const Bytes buffer = random_bytes(64);
     MD5_CTX ctx = {{1, 2, 3, 4}, {57 * 8, 0}, {}};
     std::copy(buffer.begin(), buffer.end(), ctx.buffer);
@@ -74,7 +75,7 @@ TEST(Md5, the_reversed_transform_reverses_the_state) {
 
 TEST(Md5, the_count_of_bits_has_64_bits) {
     const unsigned size = 1U << 29;
-    // All pages of such a map are the system's one page of zeros.
+    // The kernel maps one page of zeros everywhere in this range.
     void* const zeros =
         mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     MD5_CTX ctx = {{}, {0xFFFFFFC8, 7}, {}};

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The example prints what the system's md5sum prints: for files of every length around the first
-# blocks, for real files, for names that need escaping, for standard input and for what fails.
+# Compares the example with the md5sum of coreutils: files of 0 to 300 bytes, large files, names that
+# need escaping, standard input, and files that cannot be read.
 # usage: md5sum_test.sh MD5SUM
 set -eu
 export LC_ALL=C

@@ -1,4 +1,4 @@
-// The SHA digest on its known answers, and on records that no InitHash has set.
+// Tests of the SHA digest: known answers, and records without InitHash.
 #include <gtest/gtest.h>
 
 #include "digest_model.h"
@@ -22,7 +22,7 @@ const KnownAnswer kKnownAnswers[] = {
      .state = {0x3232AFFA, 0x48628A26, 0x653B5AAA, 0x44541FD9, 0x0D690603}},
 };
 
-TEST(Sha, known_answers_come_out) {
+TEST(Sha, digests_equal_the_known_answers) {
     for (const KnownAnswer& known : kKnownAnswers) {
         Bytes bytes(known.message.begin(), known.message.end());
         HASH_CTX ctx;

@@ -1,4 +1,4 @@
-// Command lines of drawn programs, names and texts.
+// Fuzzes command lines: programs, names and texts.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include "../platform/command_line_model.h"

@@ -1,4 +1,4 @@
-// Digests of a drawn message in pieces of drawn sizes.
+// Fuzzes the digests of a message in pieces.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include "../digest/digest_model.h"

@@ -1,4 +1,4 @@
-// Montgomery products of drawn numbers.
+// Fuzzes Montgomery products.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include "../longarith/longarith_model.h"

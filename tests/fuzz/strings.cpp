@@ -1,4 +1,4 @@
-// The string helpers and the memory routines on drawn texts.
+// Fuzzes the string helpers and the memory routines.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include "../text/text_model.h"

@@ -1,4 +1,4 @@
-// The windows of a drawn exponent.
+// Fuzzes the windows of an exponent.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include "../longarith/longarith_model.h"

@@ -1,4 +1,4 @@
-// The kernels: the choice among them, and every variant against the models.
+// Tests of the kernels: their choice, and each variant against the models.
 #include "kernels/kernels.h"
 
 #include <cpuid.h>
@@ -23,7 +23,7 @@ constexpr Kernels kAvx2WithSha = {sha_blocks_shani, montgomery_product_avx2};
 
 // ---- The choice
 
-// The bits differ, so one word describes a processor.
+// No two features have the same bit, so one word describes a processor.
 constexpr std::uint32_t kLeaf1Ecx = bit_SSSE3 | bit_SSE4_1 | bit_OSXSAVE;
 constexpr std::uint32_t kLeaf1Edx = bit_SSE2;
 constexpr std::uint32_t kLeaf7Ebx = bit_AVX2 | bit_SHA;
@@ -36,7 +36,7 @@ constexpr std::uint32_t kAllState = kSseState | kAvxState;
 
 struct Processor {
     std::uint32_t lacks;
-    std::uint32_t saves;  // of the vector registers
+    std::uint32_t saves;  // state of vector registers
     Kernels fastest;
 };
 
@@ -124,7 +124,7 @@ TEST_P(Kernel, digests_messages_of_every_length) {
     }
 }
 
-TEST_P(Kernel, digests_lengths_in_bits_modulo_32_bits) {
+TEST_P(Kernel, digests_lengths_modulo_2_to_the_32_bits) {
     for (const std::uint32_t before : {0x1FFFFFFDU, 0x20000000U, 0xFFFFFFFEU})
         check_sha({'a', 'b', 'c'}, {}, before);
 }
@@ -144,7 +144,7 @@ TEST_P(Kernel, multiplies_edge_values) {
     }
 }
 
-// The columns of the vector variants come close to 2^32.
+// These values bring the columns of the vector variants close to 2^32.
 TEST_P(Kernel, multiplies_values_that_fill_the_columns) {
     Limbs a(32, 0xFFFF);
     a[0] = 0xFF01;
@@ -175,9 +175,9 @@ TEST_P(Kernel, multiplies_drawn_values) {
     check_drawn_products();
 }
 
-// Hosts of other compilers align the stack to 4 bytes only. What a sanitizer adds needs more.
+// Hosts of other compilers align the stack to 4 bytes only. Code added by a sanitizer needs 16.
 #ifndef __SANITIZE_ADDRESS__
-TEST_P(Kernel, runs_on_any_multiple_of_four_bytes_of_stack) {
+TEST_P(Kernel, needs_a_stack_alignment_of_4_bytes_only) {
     const auto check = +[] {
         check_sha(Bytes(300, 'a'), {});
         check_drawn_products();

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# derive_domain accepts a domain however it is laid out, and refuses what is none, in one line that
-# names the file and the fault, leaving no output.
+# Tests that derive_domain accepts every layout of a domain, and refuses other files with one line that
+# names the file and the fault, without output files.
 # usage: derive_domain_test.sh DERIVE_DOMAIN GOOD_DOMAIN
 set -u
 derive=$1 good=$2

@@ -1,4 +1,4 @@
-// The long arithmetic: computed vectors, every small window, and the limits of the counts.
+// Tests of the long arithmetic: computed vectors, all windows of small exponents, limits of counts.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -41,7 +41,7 @@ std::vector<Vector> vectors(const std::string& kind) {
     return found;
 }
 
-TEST(LongArithmetic, byte_strings_map_to_limbs_at_odd_addresses) {
+TEST(LongArithmetic, conversions_accept_odd_addresses) {
     for (const short size : {0, 1, 2, 3, 20, 64, 32766, 32767}) {
         Bytes bytes(static_cast<std::size_t>(size) + 2, 0xCC);
         for (int i = 1; i <= size; ++i) bytes[i] = static_cast<unsigned char>(i * 89 ^ i >> 8);
@@ -78,7 +78,7 @@ TEST(LongArithmetic, subtraction_borrows_through_all_limbs) {
     EXPECT_EQ(a.back(), 0) << "the last borrow is dropped";
 }
 
-TEST(LongArithmetic, reductions_agree_with_the_vectors) {
+TEST(LongArithmetic, reductions_equal_the_vectors) {
     for (Vector& v : vectors("reduction")) {
         privLAN(v["a"].data(), v["m"].data(), v["mont"][0], static_cast<short>(v["na"][0]),
                 static_cast<short>(v["nm"][0]), static_cast<short>(v["k"][0]));
@@ -86,7 +86,7 @@ TEST(LongArithmetic, reductions_agree_with_the_vectors) {
     }
 }
 
-TEST(LongArithmetic, small_exponents_have_the_windows_of_the_model) {
+TEST(LongArithmetic, windows_of_small_exponents_equal_the_model) {
     for (unsigned exponent = 0; exponent < 1 << 12; ++exponent)
         for (short width = 1; width <= 8; ++width)
             for (const short position : {1, 7, 8, 9, 12, 16})
@@ -95,7 +95,7 @@ TEST(LongArithmetic, small_exponents_have_the_windows_of_the_model) {
                               position, width);
 }
 
-TEST(LongArithmetic, a_window_at_the_bottom_only_moves_down) {
+TEST(LongArithmetic, a_window_below_bit_0_only_decrements_the_position) {
     for (const short start : {0, -1, -7, -32767}) {
         short position = start;
         short window = 77;
@@ -105,7 +105,7 @@ TEST(LongArithmetic, a_window_at_the_bottom_only_moves_down) {
     }
 }
 
-TEST(LongArithmetic, powers_agree_with_the_vectors) {
+TEST(LongArithmetic, powers_equal_the_vectors) {
     for (const Vector& given : vectors("power")) {
         Vector v = given;
         Limbs out(32);
@@ -116,7 +116,7 @@ TEST(LongArithmetic, powers_agree_with_the_vectors) {
     }
 }
 
-TEST(LongArithmetic, inverses_may_overlap_their_numbers_at_any_offset) {
+TEST(LongArithmetic, an_inverse_may_overlap_its_number_at_any_offset) {
     std::size_t offset = 0;
     for (Vector& v : vectors("inverse")) {
         Limbs memory(30);
@@ -127,8 +127,8 @@ TEST(LongArithmetic, inverses_may_overlap_their_numbers_at_any_offset) {
     }
 }
 
-// The records end after their states.
-TEST(LongArithmetic, signatures_agree_with_the_vectors) {
+// The memory of each record ends after its state.
+TEST(LongArithmetic, verdicts_equal_the_vectors) {
     for (Vector& v : vectors("signature")) {
         auto* const digest = reinterpret_cast<HASH_CTX*>(v["digest"].data());
         const int code =

@@ -1,4 +1,4 @@
-// Models of the limb arithmetic on single bits: products as additions and halvings, windows as the
+// Models of the limb arithmetic on single bits: products by additions and halvings, windows by the
 // bits of an exponent.
 #ifndef KTBASE_TESTS_LONGARITH_MODEL_H
 #define KTBASE_TESTS_LONGARITH_MODEL_H
@@ -40,7 +40,7 @@ inline void halve(Words& a) {
     a.back() >>= 1;
 }
 
-// a*b / 2^bits modulo m, which is subtracted from a sum of more than `bits` bits.
+// a*b / 2^bits modulo m. Subtracts m once if the sum has more than `bits` bits.
 inline Limbs montgomery_product(const Limbs& a, const Limbs& b, const Limbs& m) {
     const std::size_t bits = 16 * m.size();
     const Words x = words_of(a);
@@ -66,15 +66,15 @@ inline unsigned short montgomery_constant(const Limbs& m) {
     return static_cast<unsigned short>(constant);
 }
 
-// One number behind the other, at an address that is no multiple of 4.
+// The numbers in a row, from an address that is not a multiple of 4.
 inline Limbs joined(const std::array<Limbs, 4>& numbers) {
     Limbs memory(1);
     for (const Limbs& number : numbers) memory.insert(memory.end(), number.begin(), number.end());
     return memory;
 }
 
-// Checks a*b apart from the operands and over each, and for equal operands also as a square.
-// Nothing but the result may change. Requires numbers of one size, m odd.
+// Checks a*b in memory of its own and in place of each operand, and a square if a equals b. Only
+// the result may change. Requires numbers of one size and an odd m.
 inline void check_product(const Limbs& a, const Limbs& b, const Limbs& m) {
     enum { kA, kB, kOut, kM };
     const struct {

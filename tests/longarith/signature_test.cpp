@@ -1,5 +1,4 @@
-// Verification of the worked example of FIPS 186, Appendix 5, and of the example with bits
-// inverted.
+// Tests of verification with the worked example of FIPS 186, Appendix 5.
 #include <gtest/gtest.h>
 #include <ktbase/longarith.h>
 
@@ -24,7 +23,8 @@ struct Example {
 
 TEST(Signature, the_published_digest_has_the_published_signature) {
     Example example = {.signature = fips186::signature()};
-    Bytes state = fips186::little_endian(fips186::kDigest);  // The record ends after its state.
+    Bytes state =
+        fips186::little_endian(fips186::kDigest);  // the memory of the record ends after its state
     auto* const record = reinterpret_cast<HASH_CTX*>(state.data());
     EXPECT_EQ(CheckSignature(example.key.data(), example.signature.data(), record), 0);
 }

@@ -18,7 +18,7 @@ R = 1 << 512
 
 
 def case(kind, **fields):
-    """Prints a case. Each field is a number and its width in limbs; a number alone has one limb."""
+    """Prints a case. Each field is a number and its width in limbs; a plain number has one limb."""
     pairs = ((name, f if isinstance(f, tuple) else (f, 1)) for name, f in fields.items())
     print(kind, *(f"{name}={number:0{4 * limbs}x}" for name, (number, limbs) in pairs))
 
@@ -85,7 +85,7 @@ def inversion(x):
 
 
 def verification(key, r, s, digest, code):
-    """A number out of range decides the code, r before s."""
+    """A number out of range determines the code, r before s."""
     for x in (s, r):
         code = 0x7707 if x >= q else 0x707 if x == 0 else code
     case("signature", key=(key << 8, 129), signature=(joined(160, [r, s]) << 8, 21), digest=(digest, 10),
@@ -119,7 +119,7 @@ for shift in range(160):  # numbers whose highest digits are those of q
     inversion((q >> shift) + rng.randrange(2))
 for _ in range(3000):
     inversion(operand(rng.randint(1, 160)))
-# A digest of 0 makes the exponent of g zero; one of q or more is used as it is.
+# A digest of 0 makes the exponent of g zero. A digest of q or more is not reduced.
 for message in [0, 1, q - 1, q, q + 1, (1 << 160) - 1, *(operand(160) for _ in range(300))]:
     public_key, valid_r, valid_s = signature(message)
 for wrong_r in [valid_r, 0, 1, q - 1, q, q + 1, (1 << 160) - 1]:

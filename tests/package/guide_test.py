@@ -1,4 +1,4 @@
-"""Does what the guide says, block by block, in an empty directory.
+"""Runs the blocks of the guide in an empty directory.
 
 A cpp or cmake block is a file, named by its first line; cpp is compiled and run, sh is run, and a text
 block is what the block before it prints. No other kind is known.

@@ -1,4 +1,4 @@
-// A model of command lines: where words begin and end, and what a full path is made of.
+// A model of command lines: the positions of words, and the parts of a full path.
 #ifndef KTBASE_TESTS_PLATFORM_COMMAND_LINE_MODEL_H
 #define KTBASE_TESTS_PLATFORM_COMMAND_LINE_MODEL_H
 

@@ -1,4 +1,4 @@
-// Words and full paths of command lines.
+// Tests of words and full paths of command lines.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -55,7 +55,7 @@ TEST(CommandLine, the_default_table_has_room_for_the_most_words) {
     EXPECT_EQ(line.argc, 2050);
 }
 
-TEST(CommandLine, null_makes_no_full_path) {
+TEST(CommandLine, a_null_name_makes_no_full_path) {
     KtCmdLine line;
     char out[] = "#";
     EXPECT_EQ(line.MakeFullPath(nullptr, out), out);

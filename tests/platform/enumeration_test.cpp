@@ -1,4 +1,4 @@
-// Patterns, entries and the end of enumerations.
+// Tests of patterns, entries and the end of enumerations.
 #include <dirent.h>
 
 #include "fixture.h"
@@ -10,7 +10,7 @@ TEST_F(Platform, a_pattern_is_split_at_its_last_slash) {
     for (const char* path : {"e.cfg", "d/a.txt"}) write(path);
     struct Case {
         const char *pattern, *name;
-        unsigned mask_length, dir_length;  // as the fields count them
+        unsigned mask_length, dir_length;  // the values of the fields
         const char* allocation;            // of `name`
     };
     for (const Case& c :
@@ -47,7 +47,7 @@ TEST_F(Platform, an_enumeration_without_entries_has_a_reason) {
     }
 }
 
-TEST_F(Platform, a_mask_matches_bytes_as_a_shell_does) {
+TEST_F(Platform, a_mask_matches_bytes_by_the_rules_of_the_shell) {
     struct Case {
         const char* mask;
         std::vector<const char*> listing;
@@ -69,7 +69,7 @@ TEST_F(Platform, dot_directories_are_skipped_only_before_other_entries) {
     EXPECT_EQ(enumerate("*").lines[0], ".//.. -1 ffffffff ffffffff 0 13");
 }
 
-TEST_F(Platform, an_entry_has_the_size_of_what_a_link_names) {
+TEST_F(Platform, an_entry_has_the_size_of_the_target_of_a_link) {
     for (const char* path : {"ten", "2g", "big"}) write(path);
     truncate64("2g", 0x80000000);
     truncate64("big", 0x80000001);
@@ -122,12 +122,12 @@ TEST_F(Platform, enumerations_count_until_their_end) {
     expect_all_released();
 }
 
-TEST_F(Platform, the_null_handle_releases_an_object) {
+TEST_F(Platform, the_handle_zero_releases_an_object) {
     EXPECT_EQ(KtFindNext(0, new Dirent("a")), -1);
     expect_all_released();
 }
 
-TEST_F(Platform, the_end_lowers_only_a_positive_count) {
+TEST_F(Platform, the_end_of_an_enumeration_lowers_only_a_positive_count) {
     write("a");
     for (const auto& [count, lowered] : {std::pair{2, 1}, {0, 0}, {-5, -5}}) {
         const Enumeration enumeration("a");
@@ -137,8 +137,8 @@ TEST_F(Platform, the_end_lowers_only_a_positive_count) {
     }
 }
 
-// setlocale restores the locale when the Dirent is destroyed. Each call has the count before it.
-TEST_F(Platform, the_parts_of_an_enumeration_end_in_this_order) {
+// The destructor of Dirent restores the locale. Each call is followed by the count at that time.
+TEST_F(Platform, an_enumeration_releases_its_parts_in_order) {
     write("a");
     struct Case {
         const char *pattern, *end;
@@ -155,7 +155,7 @@ TEST_F(Platform, the_parts_of_an_enumeration_end_in_this_order) {
     }
 }
 
-TEST_F(Platform, no_entry_is_a_link_during_a_read) {
+TEST_F(Platform, is_link_is_zero_during_a_read) {
     fs::create_symlink("none", "link");
     const Enumeration enumeration("link");
     int is_link = -1;
@@ -174,7 +174,7 @@ TEST_F(Platform, a_failure_stores_no_object) {
     EXPECT_EQ(errno, 0);
 }
 
-TEST_F(Platform, null_is_no_entry) {
+TEST_F(Platform, a_null_entry_has_no_properties) {
     EXPECT_EQ(KtFindNext(0, nullptr), -1);
     EXPECT_EQ(KtFindGetFileName(nullptr), nullptr);
     EXPECT_EQ(KtFindGetFileAttributes(nullptr), -1);

@@ -14,7 +14,7 @@ ln -s none dangling.txt
     "$1/list_files" 'dang*'
     "$1/list_files" 'none*' 2>&1 || echo "exit $?"
     "$1/list_files" 'ten.txt/*' 2>&1 || echo "exit $?"
-    # The search for leaks does not work under strace.
+    # LeakSanitizer does not work under strace.
     ASAN_OPTIONS=detect_leaks=0 \
         strace -o /dev/null -e inject=getdents64:error=EIO:when=2 "$1/list_files" 'empty*' 2>&1 || echo "exit $?"
     ln -s "$1/daily_directory" .

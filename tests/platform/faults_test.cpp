@@ -1,4 +1,4 @@
-// System calls and allocations that fail.
+// Tests of system calls and allocations that fail.
 #include <malloc.h>
 
 #include "fixture.h"
@@ -99,7 +99,7 @@ TEST_F(Platform, a_fault_has_its_outcome_without_a_leak) {
     }
 }
 
-TEST_F(Platform, a_name_without_memory_is_built_when_there_is_memory) {
+TEST_F(Platform, a_name_is_built_later_if_memory_was_exhausted) {
     write("a");
     calls = {"new[]", 3, false, EINTR};
     const Enumeration enumeration("a");

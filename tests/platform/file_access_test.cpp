@@ -1,4 +1,4 @@
-// Files and the open-file budget.
+// Tests of files and of the open-file budget.
 #include <fcntl.h>
 
 #include "fixture.h"
@@ -37,14 +37,15 @@ TEST_F(Platform, a_close_lowers_every_count_but_zero_before_the_system_call) {
     }
 }
 
-TEST_F(Platform, only_creation_has_a_mode_instead_of_the_large_file_flag) {
+TEST_F(Platform, only_an_open_that_creates_passes_a_mode) {
     struct Case {
         int flags, extra;
         const char* call;  // with flags and mode in hexadecimal
     };
-    for (const Case& c : {Case{O_RDWR | O_CREAT | O_EXCL, O_APPEND, "open 4c2 8180"},
-                          Case{O_RDONLY, O_NOFOLLOW, "open 28000 0"},
-                          Case{O_RDONLY, O_CREAT, "open 8040 "}}) {  // against the contract
+    for (const Case& c :
+         {Case{O_RDWR | O_CREAT | O_EXCL, O_APPEND, "open 4c2 8180"},
+          Case{O_RDONLY, O_NOFOLLOW, "open 28000 0"},
+          Case{O_RDONLY, O_CREAT, "open 8040 "}}) {  // O_CREAT in `extra` is forbidden
         calls.observer = [&c](const std::string& call) {
             EXPECT_TRUE(call.starts_with(c.call)) << call;
         };
@@ -55,7 +56,7 @@ TEST_F(Platform, only_creation_has_a_mode_instead_of_the_large_file_flag) {
     EXPECT_EQ(KtGetFileAttributes("file"), 0x8180);
 }
 
-TEST_F(Platform, reading_continues_where_writing_stops) {
+TEST_F(Platform, a_read_continues_at_the_position_of_a_write) {
     write("file");
     const KtFileHandle file = KtOpenFile("file", O_RDWR, 0, 0);
     char buffer[16] = {};
@@ -69,7 +70,7 @@ TEST_F(Platform, reading_continues_where_writing_stops) {
     EXPECT_EQ(KtCloseFile(file), 0);
 }
 
-TEST_F(Platform, a_length_has_31_bits) {
+TEST_F(Platform, a_length_above_31_bits_overflows) {
     const KtFileHandle file = KtOpenFile("file", O_RDWR | O_CREAT, 0, 0);
     EXPECT_EQ(truncate64("file", 0x7FFFFFFF), 0);
     EXPECT_EQ(KtGetFileLength(file), 0x7FFFFFFF);
@@ -81,7 +82,7 @@ TEST_F(Platform, a_length_has_31_bits) {
     KtCloseFile(file);
 }
 
-TEST_F(Platform, the_invalid_handle_reaches_no_system_call_but_fstat) {
+TEST_F(Platform, only_the_length_passes_an_invalid_handle_to_the_system) {
     for (const auto& [handle, error] : {std::pair{-1, kUntouched}, {-2, EBADF}}) {
         errno = kUntouched;
         EXPECT_EQ(KtReadFile(handle, nullptr, 0), -1);

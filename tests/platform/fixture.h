@@ -1,4 +1,4 @@
-// A fresh directory for each test, and the checks that an operation has released everything.
+// A new directory for each test, and checks that an operation has released its resources.
 #ifndef KTBASE_TESTS_PLATFORM_FIXTURE_H
 #define KTBASE_TESTS_PLATFORM_FIXTURE_H
 
@@ -17,7 +17,7 @@
 namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
-constexpr int kUntouched = 4711;  // no system's errno
+constexpr int kUntouched = 4711;  // a value that no system call stores in errno
 
 struct Platform : testing::Test {
     Platform() {
@@ -73,7 +73,7 @@ inline std::string describe(const Dirent* found) {
 struct Outcome {
     int result;
     int error;    // errno
-    Lines lines;  // what the operation made or delivered
+    Lines lines;  // the entries delivered or the directories made
 };
 
 inline Outcome enumerate(const char* pattern) {

@@ -1,4 +1,4 @@
-// The attributes of paths, and the creation of chains.
+// Tests of the attributes of paths, and of the creation of chains.
 #include "fixture.h"
 
 namespace {
@@ -69,7 +69,7 @@ TEST_F(Platform, the_attributes_of_a_link_follow_the_flag) {
     EXPECT_EQ(calls.made, (std::map<std::string, int>{{"lstat64", 1}}));
 }
 
-TEST_F(Platform, only_the_type_of_a_directory_is_a_directory) {
+TEST_F(Platform, only_the_type_bits_make_a_directory) {
     EXPECT_EQ(KtIsDirectory(0x41ED), 1);
     EXPECT_EQ(KtIsDirectory(0x4000), 1);
     EXPECT_EQ(KtIsDirectory(0x61ED), 0);
@@ -77,13 +77,13 @@ TEST_F(Platform, only_the_type_of_a_directory_is_a_directory) {
     EXPECT_EQ(KtIsDirectory(KtGetFileAttributes("")), 1);
 }
 
-TEST_F(Platform, attributes_are_never_set) {
+TEST_F(Platform, setting_attributes_changes_nothing) {
     write("ten");
     EXPECT_EQ(KtSetFileAttributes("ten", 0), 0);
     EXPECT_EQ(KtGetFileAttributes("ten"), 0x81A4);
 }
 
-TEST_F(Platform, null_is_no_path) {
+TEST_F(Platform, a_null_path_fails) {
     EXPECT_EQ(KtMakePath(nullptr), -1);
     EXPECT_EQ(KtGetFileAttributes(nullptr), -1);
     EXPECT_EQ(errno, EFAULT);

@@ -1,18 +1,18 @@
-// The values at load, the clock and the text services.
+// Tests of the initial values of globals, of the clock and of the small services.
 #include <tuple>
 
 #include "fixture.h"
 
 namespace {
 
-// Read before any test runs.
+// Initialised before the first test.
 const std::tuple kAtLoad(SYS_OPENFILES, SYS_MAXFILES, bFollowLinks, starttime, pCmdLine);
 
 TEST_F(Platform, globals_have_their_values_at_load) {
     EXPECT_EQ(kAtLoad, std::tuple(0, 64, 1, 0, nullptr));
 }
 
-TEST_F(Platform, a_start_time_but_zero_stops_the_clock) {
+TEST_F(Platform, a_nonzero_start_time_stops_the_clock) {
     for (const std::int32_t start : {-1, 1}) {
         starttime = start;
         EXPECT_EQ(KtGetTime(), start);
@@ -35,12 +35,12 @@ TEST_F(Platform, local_dates_convert_in_both_directions) {
     EXPECT_EQ(KtLocalDateToTime(&date), -1);
 }
 
-TEST_F(Platform, null_is_no_date) {
+TEST_F(Platform, a_null_date_fails) {
     EXPECT_EQ(KtLocalDateToTime(nullptr), 0);
     EXPECT_EQ(KtTimeToLocalDate(0, nullptr), nullptr);
 }
 
-TEST_F(Platform, a_sleep_of_milliseconds_wraps_in_microseconds) {
+TEST_F(Platform, a_long_sleep_wraps_at_32_bits_of_microseconds) {
     for (const auto& [milliseconds, call] :
          {std::pair{1500U, "usleep 1500000"}, {4294968, "usleep 704"}}) {
         std::string made;
@@ -50,7 +50,7 @@ TEST_F(Platform, a_sleep_of_milliseconds_wraps_in_microseconds) {
     }
 }
 
-TEST_F(Platform, a_number_ends_where_its_base_does) {
+TEST_F(Platform, a_number_ends_at_the_first_digit_outside_its_base) {
     struct Case {
         const char* text;
         int base;
@@ -65,7 +65,7 @@ TEST_F(Platform, a_number_ends_where_its_base_does) {
     }
 }
 
-TEST_F(Platform, a_copied_text_is_the_result) {
+TEST_F(Platform, a_copy_returns_its_destination) {
     char text[] = "####";
     EXPECT_EQ(CopyTextString(text, "ab"), text);
     EXPECT_EQ(std::string(text, 4), std::string("ab\0#", 4));

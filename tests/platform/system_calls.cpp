@@ -17,7 +17,7 @@ Calls calls;
 
 namespace {
 
-// The arguments are only for the observer.
+// Passes the arguments to the observer.
 bool fails(const std::string& name, const std::string& arguments = "") {
     if (calls.observer) calls.observer(name + arguments);
     const int made = ++calls.made[name];
@@ -55,7 +55,7 @@ ssize_t read(int file, void* buffer, size_t size) {
 ssize_t write(int file, const void* buffer, size_t size) {
     return call("write", -1, write, file, buffer, size);
 }
-int close(int file) {  // A failing close closes the descriptor all the same.
+int close(int file) {  // A close that fails also closes the descriptor.
     const bool failed = fails("close");
     const int result = system_function(close, "close")(file);
     return failed ? -1 : result;

@@ -1,4 +1,4 @@
-// Hexadecimal text, powers of ten and the table of character classes.
+// Tests of hexadecimal text, powers of ten and the table of character classes.
 #include <gtest/gtest.h>
 
 #include <cstdarg>
@@ -6,9 +6,9 @@
 
 #include "text_model.h"
 
-static int successful_prints = -1;  // before one that fails
+static int successful_prints = -1;  // calls of sprintf before the one that fails
 
-// Takes the place of the system's.
+// Replaces the function of libc.
 extern "C" int sprintf(char* text, const char* format, ...) noexcept {
     va_list arguments;
     va_start(arguments, format);
@@ -21,7 +21,7 @@ namespace {
 
 using namespace std::string_literals;
 
-TEST(Conversions, every_pair_of_characters_is_read_as_in_the_model) {
+TEST(Conversions, reading_equals_the_model_for_every_pair_of_characters) {
     std::string text;
     for (int i = 0; i < 255 * 255; ++i) {
         text += static_cast<char>(i / 255 + 1);
@@ -30,11 +30,11 @@ TEST(Conversions, every_pair_of_characters_is_read_as_in_the_model) {
     check_hexadecimal_reading(text);
 }
 
-TEST(Conversions, texts_without_whole_pairs_are_refused) {
+TEST(Conversions, reading_refuses_a_text_without_whole_pairs) {
     for (const char* const text : {"", "a", "abc"}) check_hexadecimal_reading(text);
 }
 
-TEST(Conversions, arrays_of_every_size_are_written_as_in_the_model) {
+TEST(Conversions, writing_equals_the_model_for_every_size) {
     Bytes bytes;
     for (unsigned code = 0; code <= 256; ++code) {
         check_hexadecimal_writing(bytes);
@@ -52,7 +52,7 @@ TEST(Conversions, negative_lengths_write_nothing) {
     }
 }
 
-TEST(Conversions, null_is_refused) {
+TEST(Conversions, conversions_refuse_null) {
     Bytes bytes = {1};
     char text[] = "####";
     EXPECT_EQ(BufToHexString(nullptr, 1, text), 0);

@@ -1,4 +1,4 @@
-// The memory routines: overlaps, and the edges of memory that they must not touch.
+// Tests of the memory routines: overlaps, large counts, and accesses outside a range.
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 
@@ -6,7 +6,7 @@
 
 namespace {
 
-// The end of a page between two that cannot be touched.
+// The end of a page between two pages without access.
 char* page_end() {
     void* const map = mmap(nullptr, 3 << 12, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     mprotect(static_cast<char*>(map) + 4096, 4096, PROT_READ | PROT_WRITE);
@@ -17,7 +17,7 @@ char* const second_end = page_end();
 char* const lower_end = std::min(first_end, second_end);
 char* const upper_end = std::max(first_end, second_end);
 
-TEST(MemoryRoutines, moves_agree_with_the_model_at_every_distance) {
+TEST(MemoryRoutines, moves_equal_the_model_at_every_distance) {
     const std::string text = "abcdefghijklmnopqrstuvw";
     for (std::size_t size = 0; size <= text.size(); ++size)
         for (std::size_t distance = 0; distance <= size; ++distance)
@@ -38,7 +38,7 @@ TEST(MemoryRoutines, unit_copies_copy_four_bytes_at_a_time) {
     }
 }
 
-TEST(MemoryRoutines, nothing_is_touched_beyond_either_end_of_a_range) {
+TEST(MemoryRoutines, routines_access_no_byte_outside_a_range) {
     for (unsigned n = 1; n < 40; ++n)
         for (const unsigned before_end : {n, 4096U}) {
             char* const x = first_end - before_end;
@@ -57,7 +57,7 @@ TEST(MemoryRoutines, nothing_is_touched_beyond_either_end_of_a_range) {
         }
 }
 
-// A routine that takes the count as signed touches nothing, and does not crash.
+// A routine with a signed count would access nothing, and would not crash.
 TEST(MemoryRoutines, counts_of_two_gibibytes_are_not_negative) {
     const unsigned huge = 0x80000003U;
     for (const auto copy : kCopies) EXPECT_DEATH(copy(lower_end - 2, upper_end - 2, huge), "");
@@ -69,7 +69,7 @@ TEST(MemoryRoutines, counts_of_two_gibibytes_are_not_negative) {
     EXPECT_EQ(e_memchr(lower_end - 2, 'c', huge), lower_end - 1);
 }
 
-TEST(MemoryRoutines, null_holds_no_character) {
+TEST(MemoryRoutines, a_search_in_null_finds_nothing) {
     EXPECT_EQ(e_strrchr(nullptr, 'a'), nullptr);
 }
 

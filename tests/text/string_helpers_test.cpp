@@ -1,4 +1,4 @@
-// The string helpers by their models, and what depends on the locale, on null and on allocation.
+// Tests of the string helpers: the models, the locale, null pointers and allocations.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -9,7 +9,7 @@
 static bool everything_folds_to_x = false;
 static int allocations = 0;
 
-// These take the places of the system's.
+// Replacements of the functions of libc and libstdc++.
 extern "C" int tolower(int c) noexcept {
     if (everything_folds_to_x) return 'x';
     return c == 255 ? c : folded_rank(static_cast<char>(c));
@@ -18,7 +18,7 @@ void* operator new(std::size_t size) {
     ++allocations;
     return std::malloc(size);
 }
-// Never inlined, or the compiler would see free() take what operator new gave.
+// Not inlined: g++ would otherwise report that free() releases memory of operator new.
 [[gnu::noinline]] void operator delete(void* memory) noexcept {
     std::free(memory);
 }
@@ -36,7 +36,7 @@ char character(unsigned code) {
     return static_cast<char>(code);
 }
 
-TEST(StringHelpers, every_pair_of_bytes_compares_as_in_the_models) {
+TEST(StringHelpers, comparisons_equal_the_models_for_every_pair_of_bytes) {
     for (unsigned pair = 0; pair < 1 << 16; ++pair) {
         const std::string x = {character(pair >> 8)};
         const std::string y = {character(pair)};
@@ -47,7 +47,7 @@ TEST(StringHelpers, every_pair_of_bytes_compares_as_in_the_models) {
     }
 }
 
-TEST(StringHelpers, every_byte_is_searched_for_as_in_the_models) {
+TEST(StringHelpers, searches_equal_the_models_for_every_byte) {
     for (unsigned pair = 0; pair < 1 << 16; ++pair) {
         const std::string text = {'p', character(pair), character(pair), 'q'};
         check_searches(text, static_cast<int>(pair >> 8));
@@ -55,14 +55,14 @@ TEST(StringHelpers, every_byte_is_searched_for_as_in_the_models) {
     }
 }
 
-TEST(StringHelpers, every_byte_is_edited_as_in_the_models) {
+TEST(StringHelpers, edits_equal_the_models_for_every_byte) {
     for (unsigned code = 0; code < 256; ++code) {
         check_edits({character(code)});
         check_edits({character(code), ' ', character(code), 'B', '\t', character(code)});
     }
 }
 
-TEST(StringHelpers, texts_of_every_length_are_copied_as_in_the_models) {
+TEST(StringHelpers, copies_equal_the_models_for_every_length) {
     const std::string text = "ab\0cdefghijk"s;
     for (std::size_t size = 0; size <= text.size(); ++size)
         for (unsigned n = 0; n < 20; ++n) {
@@ -72,7 +72,7 @@ TEST(StringHelpers, texts_of_every_length_are_copied_as_in_the_models) {
     check_memory_comparisons("", "");
 }
 
-TEST(StringHelpers, the_locale_folds) {
+TEST(StringHelpers, case_folding_follows_the_locale) {
     everything_folds_to_x = true;
     std::string text = "abc";
     ConvertToLowerCase(text);
@@ -112,7 +112,7 @@ TEST(StringHelpers, counts_are_unsigned) {
     EXPECT_EQ(copy, "abc");
 }
 
-TEST(StringHelpers, arrays_may_lie_in_their_source) {
+TEST(StringHelpers, a_destination_may_overlap_its_source) {
     std::string text = "abcdefgh";
     KsStrncpy(text.data() + 2, text, 5);
     EXPECT_EQ(text, "ababcdeh");
@@ -121,12 +121,12 @@ TEST(StringHelpers, arrays_may_lie_in_their_source) {
     EXPECT_EQ(text, "ababcdeh");
 }
 
-TEST(StringHelpers, a_null_array_receives_nothing) {
+TEST(StringHelpers, a_copy_to_a_null_array_does_nothing) {
     KsStrcpy(static_cast<char*>(nullptr), "abc"s);
     KsStrncpy(static_cast<char*>(nullptr), "abc"s, 2);
 }
 
-TEST(StringHelpers, a_whole_copy_of_null_is_empty) {
+TEST(StringHelpers, an_uncounted_copy_of_null_is_empty) {
     std::string text = "abc";
     KsStrcpy(text, null);
     EXPECT_EQ(text, "");

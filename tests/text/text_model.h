@@ -1,4 +1,4 @@
-// Models of the text services: the standard string's own algorithms, and the system's routines.
+// Models of the text services, made of std::string, algorithms and libc's routines.
 #ifndef KTBASE_TESTS_TEXT_MODEL_H
 #define KTBASE_TESTS_TEXT_MODEL_H
 
@@ -60,7 +60,7 @@ inline void check_copies(const std::string& source, unsigned n) {
     require(std::string(made, source.size() + 1) == source + '\0', "KsStrdup");
     delete[] made;
 
-    // The C string lies in the destination.
+    // The source is an array within the destination.
     const std::string half = source.c_str() + source.size() / 2;
     std::string copy = source;
     KsStrncpy(copy, copy.c_str() + source.size() / 2, n);
@@ -134,7 +134,7 @@ inline int digit_value(char c) {
     return static_cast<int>(at < 16 ? at : at - 6);
 }
 
-// What strtoul makes of two characters in base 16, modulo 256.
+// The result of strtoul for two characters in base 16, modulo 256.
 inline unsigned char pair_value(char first, char second) {
     const int high = digit_value(first);
     const int low = digit_value(second);

@@ -1,4 +1,4 @@
-"""What the commands of ktsign write and print, also when libcrypto or an input is faulty."""
+"""Tests the files and the output of the commands of ktsign, also with a faulty libcrypto or input."""
 import os
 import pathlib
 import pty
@@ -15,7 +15,7 @@ FAULTY = "the signature just made does not match: a faulty key or machine"
 
 
 def on_a_terminal(*words, typed=""):
-    """Types a line at each prompt. Returns the exit status and what the terminal showed."""
+    """Types a line at each prompt. Returns the exit status and the output on the terminal."""
     child, terminal = pty.fork()
     if child == 0:
         os.execv(KTSIGN, [KTSIGN, *words])
@@ -46,10 +46,10 @@ class Commands(Test):
     def interposed(self, *words, **variables):
         return run(*words, env={**os.environ, "LD_PRELOAD": BUILT + "/libinterposed.so", **variables})
 
-    def test_a_private_key_is_its_owners_under_any_umask(self):
+    def test_only_the_owner_has_access_to_a_private_key(self):
         self.assertEqual(0o100600, os.stat("key").st_mode)
 
-    def test_a_replaced_signature_keeps_its_owner_with_its_permissions(self):
+    def test_a_replaced_signature_keeps_its_owner_with_its_mode(self):
         pathlib.Path("file.sig").touch()
         owner = 12 if os.geteuid() == 0 else os.geteuid()
         os.chown("file.sig", owner, -1)
@@ -98,18 +98,18 @@ class Commands(Test):
             self.does("verify", "key.pub", "file")
             self.assertEqual(["file", "file.sig", "key", "key.pub"], sorted(os.listdir()))
 
-    def test_show_tells_a_sound_public_key_from_another(self):
+    def test_show_reports_whether_a_public_key_is_sound(self):
         self.assertIn("\nsound yes\n", self.does("show", "key.pub"))
         pathlib.Path("zero.pub").write_bytes(bytes(256))
         self.assertIn("\nsound no\nreason y is not above 1\n", self.does("show", "zero.pub"))
 
-    def test_one_domain_has_one_fingerprint(self):
+    def test_every_object_of_a_domain_shows_its_fingerprint(self):
         fingerprints = [value(self.does("show", name), "domain-fingerprint")
                         for name in ["key", "key.pub", os.environ["DOMAIN"]]]
         fingerprints.append(value(self.does("--version"), "domain-fingerprint"))
         self.assertEqual(fingerprints[:1] * 4, fingerprints)
 
-    def test_help_is_printed_anywhere(self):
+    def test_help_is_an_option_of_every_command(self):
         self.assertIn("usage: ktsign", self.does("sign", "key", "--help"))
         self.assertIn("usage: ktsign", self.does("sign", "key", "-h"))
 
@@ -136,12 +136,12 @@ class Commands(Test):
                                  for name, (verdict, _) in verdicts.items()), done.stdout)
         self.assertEqual(1, done.returncode)
 
-    def test_a_key_that_openssl_encrypted_signs(self):
+    def test_a_key_encrypted_by_openssl_signs(self):
         self.does("pkey", "-in", "key", "-aes256", "-passout", "pass:secret", "-out", "locked", program="openssl")
         self.assertEqual(0, with_passphrase("secret", "sign", "locked", "file").returncode)
         self.does("verify", "key.pub", "file")
 
-    def test_a_new_passphrase_is_typed_twice_alike(self):
+    def test_a_new_passphrase_is_typed_twice(self):
         self.assertEqual(0, on_a_terminal("new-key", "--encrypt", "locked", typed="one\none\n")[0])
         self.assertEqual(0, with_passphrase("one", "sign", "locked", "file").returncode)
         self.assertEqual(2, with_passphrase("two", "sign", "locked", "file").returncode)
@@ -149,18 +149,18 @@ class Commands(Test):
         self.assertEqual(2, on_a_terminal("new-key", "--encrypt", "other", typed="one\ntwo\n")[0])
         self.assertFalse(os.path.exists("other"))
 
-    def test_progress_of_a_long_file_is_gone_at_the_end(self):
+    def test_progress_is_erased_at_the_end(self):
         os.truncate("file", 1 << 25)
         shown = on_a_terminal("sign", "key", "file")[1]
         self.assertIn("\rktsign: 50 % read", shown)
         self.assertEqual("", shown.rsplit("\r", 1)[1].strip())
 
-    def test_a_readable_private_key_is_warned_of(self):
+    def test_a_private_key_readable_by_others_causes_a_warning(self):
         os.chmod("key", 0o640)
         self.assertEqual("ktsign: key: warning: others than its owner may read this private key\n",
                          run("sign", "key", "file").stderr)
 
-    def test_faults_are_noticed_before_a_signature_is_written(self):
+    def test_a_faulty_signature_is_not_written(self):
         for fault, message in {"sign": f"libcrypto: {FAULTY}", "sign verify": f"the library: {FAULTY}",
                                "change": "file: changed while it was read"}.items():
             done = self.interposed("sign", "key", "file", KTSIGN_FAULT=fault)

@@ -1,4 +1,4 @@
-"""What the tests of ktsign share: a fresh directory for each test, and runs of programs in it."""
+"""Shared by the tests of ktsign: a new directory for each test, and runs of programs in it."""
 import os
 import pathlib
 import re
@@ -16,7 +16,7 @@ def run(*words, program=KTSIGN, before=(), **options):
 
 
 def value(text, name):
-    """The value in lines of a name and a value."""
+    """Finds the value of a name in lines of a name and a value."""
     return dict(line.split(" ", 1) for line in text.splitlines())[name]
 
 
@@ -34,7 +34,7 @@ class Test(unittest.TestCase):
         os.chdir(directory.name)
 
     def does(self, *words, **options):
-        """A run that must succeed without a message. Returns what it prints."""
+        """Expects success without a message. Returns the output."""
         done = run(*words, **options)
         self.assertEqual((0, ""), (done.returncode, done.stderr), words)
         return done.stdout

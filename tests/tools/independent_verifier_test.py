@@ -1,4 +1,4 @@
-"""Random keys and messages of ktsign, judged with Python's integers and encodings of its own."""
+"""Verifies signatures of random keys and messages with Python's integers."""
 import os
 import pathlib
 import random
@@ -19,7 +19,7 @@ def rotated(word, by):
 
 
 def sha_1993(message):
-    """FIPS 180 (1993). Returns the five words as a number, the first one lowest."""
+    """FIPS 180 (1993). Returns the five words as a number, least significant first."""
     h = [0x67452301, 0xEFCDAB89, 0x98BADCFE, 0x10325476, 0xC3D2E1F0]
     padded = message + b"\x80" + bytes(-(len(message) + 9) % 64) + (8 * len(message)).to_bytes(8, "big")
     for start in range(0, len(padded), 64):
@@ -40,7 +40,7 @@ def numbers(blob, width):
 
 
 def is_valid(domain, key, message, signature):
-    """FIPS 186, section 6, with every component of the key judged too."""
+    """FIPS 186, section 6. Also checks every component of the key."""
     p, q, g = domain
     y = key[0] * pow(2, -512, p) % p
     powers = [pow(y, 2**(40 * j), p) * 2**512 % p for j in range(4)]

@@ -1,4 +1,4 @@
-"""ktsign, killed at each of its system calls, and with each of them failing once."""
+"""Kills ktsign at each of its system calls, and makes each system call fail once."""
 import concurrent.futures
 import os
 import pathlib
@@ -14,7 +14,7 @@ STRACE = ["strace", "-o"]
 
 
 def system_calls(words, prepared):
-    """Every call of a run that meets no fault: its name, and its number among the calls of the name."""
+    """The calls of a run without a fault: for each its name, and its number among the calls of that name."""
     directory = shutil.copytree(prepared, tempfile.mkdtemp(dir="."), dirs_exist_ok=True)
     assert run(*words, before=[*STRACE, "../trace"], cwd=directory).returncode == 0
     # A build for coverage writes its counts last. A fault there would only damage the counts.

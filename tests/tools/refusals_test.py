@@ -1,4 +1,4 @@
-"""What ktsign refuses: one line, exit status 2, and every file stays as it was."""
+"""Tests refusals: one line on standard error, exit status 2, no file changed."""
 import base64
 import os
 import pathlib
@@ -10,7 +10,7 @@ from harness import BUILT, EXAMPLES, KTSIGN, Test, domain_numbers, run
 
 P, Q, G = domain_numbers(os.environ["DOMAIN"])
 
-# The line on standard error, which begins with the program, and the arguments.
+# The line on standard error, which begins with the name of the program, and the arguments.
 REFUSALS = {
     "ktsign: no command; see ktsign --help": "",
     "ktsign: nonsense: not a command; see ktsign --help": "nonsense",
@@ -91,7 +91,7 @@ PROGRAMS = {"ktsign": KTSIGN, "verify_file": EXAMPLES + "/verify_file",
 
 
 def contents():
-    """What the files here hold, but for the long one."""
+    """The contents of all files except the long one."""
     return {name: pathlib.Path(name).read_bytes()
             for name in os.listdir() if os.path.isfile(name) and name != "long"}
 
@@ -117,7 +117,7 @@ def write_pem(name, kind, der):
 
 
 def write_private_key(name, g, x, y):
-    """In the format that has a y of its own."""
+    """In the traditional format, which also contains y."""
     fields = b"".join(integer(number) for number in [0, P, Q, g, y, x])
     write_pem(name, "DSA PRIVATE KEY", bytes([0x30, 0x81, len(fields)]) + fields)
 
