@@ -1,8 +1,11 @@
 #include "command_line.h"
 
+#include <getopt.h>
+
 #include <algorithm>
 #include <charconv>
 #include <climits>
+#include <string_view>
 
 #include "messages.h"
 
@@ -27,16 +30,16 @@ namespace {
 
 constexpr char kMore[] = "; see ktsign --help";
 
-struct Form {
-    const char* command;
+struct Command {
+    const char* name;
     const char* operands;  // as a message names them
     std::size_t least;
     std::size_t most;
     std::vector<std::string> options;
 };
 
-const std::vector<Form>& forms() {
-    static const std::vector<Form> all = {
+const std::vector<Command>& commands() {
+    static const std::vector<Command> all = {
         {"new-domain", "FILE", 1, 1, {"--force"}},
         {"new-key", "KEY", 1, 1, {"--encrypt", "--passphrase-fd"}},
         {"public-key", "KEY PUB", 2, 2, {"--force", "--passphrase-fd"}},
@@ -58,96 +61,109 @@ int parse_descriptor(const std::string& text) {
     return fd;
 }
 
-std::string long_name(const std::string& name) {
-    if (name == "-o") return "--output";
-    return name == "-s" ? "--signature" : name;
+// Values of options that have no short command.
+enum : int { kOperand = 1, kEncrypt = 256, kForce, kPassphraseFd, kVersion };
+
+const option kOptions[] = {{"output", required_argument, nullptr, 'o'},
+                           {"signature", required_argument, nullptr, 's'},
+                           {"passphrase-fd", required_argument, nullptr, kPassphraseFd},
+                           {"encrypt", no_argument, nullptr, kEncrypt},
+                           {"force", no_argument, nullptr, kForce},
+                           {"version", no_argument, nullptr, kVersion},
+                           {}};
+
+// "-" makes getopt_long return each operand in its place, as the argument of kOperand. ":" makes it
+// return ':' where a value is missing.
+constexpr char kShortOptions[] = "-:o:s:";
+
+std::string long_name(int value) {
+    const auto* const found = std::find_if(std::begin(kOptions), std::end(kOptions),
+                                           [value](const option& o) { return o.val == value; });
+    return std::string("--") + found->name;
 }
 
-// The words after the name of the program, taken one by one.
-class Parser {
-public:
-    explicit Parser(std::span<char*> words) : words_(words.begin(), words.end()) {}
+bool requests_help(std::span<char*> words) {
+    const auto options_end = std::find(words.begin(), words.end(), std::string_view("--"));
+    return std::any_of(words.begin(), options_end,
+                       [](std::string_view word) { return word == "-h" || word == "--help"; });
+}
 
-    CommandLine parse() {
-        const auto options_end = std::find(words_.begin(), words_.end(), "--");
-        if (std::find_if(words_.begin(), options_end, asks_for_help) != options_end) {
-            line_.command = "--help";
-            return line_;
-        }
-        bool taking_options = true;
-        while (next_ < words_.size()) {
-            const std::string word = words_[next_++];
-            if (!taking_options || word == "-" || !word.starts_with('-'))
-                take_operand(word);
-            else if (word == "--")
-                taking_options = false;
-            else
-                take_option(word);
-        }
-        return line_;
-    }
-    const std::vector<std::string>& options() const { return options_; }
+void take_operand(CommandLine& line, const char* word) {
+    if (line.command.empty())
+        line.command = word;
+    else
+        line.operands.emplace_back(word);
+}
 
-private:
-    static bool asks_for_help(const std::string& word) { return word == "-h" || word == "--help"; }
-
-    void take_operand(const std::string& word) {
-        if (line_.command.empty())
-            line_.command = word;
-        else
-            line_.operands.push_back(word);
-    }
-
-    void take_option(const std::string& word) {
-        const std::size_t equals = word.starts_with("--") ? word.find('=') : std::string::npos;
-        const std::string name = long_name(word.substr(0, equals));
-        std::optional<std::string> attached;
-        if (equals != std::string::npos) attached = word.substr(equals + 1);
-        options_.push_back(name);
-        if (name == "--output")
-            line_.output = value(name, attached);
-        else if (name == "--signature")
-            line_.signature = value(name, attached);
-        else if (name == "--passphrase-fd")
-            line_.passphrase_fd = parse_descriptor(value(name, attached));
-        else if (name == "--encrypt" && !attached)
-            line_.encrypt = true;
-        else if (name == "--force" && !attached)
-            line_.force = true;
-        else if (name == "--version" && !attached && line_.command.empty())
-            line_.command = name;
-        else
+// `word` holds the option.
+void take_option(CommandLine& line, int value, const std::string& word) {
+    switch (value) {
+        case 'o':
+            line.output = optarg;
+            break;
+        case 's':
+            line.signature = optarg;
+            break;
+        case kPassphraseFd:
+            line.passphrase_fd = parse_descriptor(optarg);
+            break;
+        case kEncrypt:
+            line.encrypt = true;
+            break;
+        case kForce:
+            line.force = true;
+            break;
+        case kVersion:
+            if (line.command.empty()) line.command = long_name(value);
+            break;
+        case ':':
+            throw Failure(word, std::string("needs a value") + kMore);
+        default:
             throw Failure(word,
                           "not an option; write ./" + quoted(word) + " for a file of this name");
     }
-
-    std::string value(const std::string& name, const std::optional<std::string>& attached) {
-        if (attached) return *attached;
-        if (next_ == words_.size()) throw Failure(name + ": needs a value" + kMore);
-        return words_[next_++];
-    }
-
-    std::vector<std::string> words_;
-    std::size_t next_ = 0;
-    CommandLine line_;
-    std::vector<std::string> options_;
-};
-
-const Form& form_of(const std::string& command) {
-    if (command.empty()) throw Failure(std::string("no command") + kMore);
-    for (const Form& form : forms())
-        if (command == form.command) return form;
-    throw Failure(command, std::string("not a command") + kMore);
 }
 
-void require_form(const CommandLine& line, std::vector<std::string> options) {
-    const Form& form = form_of(line.command);
+// Stores the long names of the options in `options`.
+CommandLine parse_words(std::span<char*> words, std::vector<std::string>& options) {
+    CommandLine line;
+    if (requests_help(words)) {
+        line.command = "--help";
+        return line;
+    }
+    opterr = 0;
+    const int count = static_cast<int>(words.size());
+    while (optind < count) {
+        const std::string word = words[optind];
+        const int value = getopt_long(count, words.data(), kShortOptions, kOptions, nullptr);
+        if (value == -1) break;
+        if (value == kOperand) {
+            take_operand(line, optarg);
+            continue;
+        }
+        take_option(line, value, word);
+        options.push_back(long_name(value));
+    }
+    for (; optind < count; ++optind) take_operand(line, words[optind]);
+    return line;
+}
+
+const Command& command_of(const std::string& name) {
+    if (name.empty()) throw Failure(std::string("no command") + kMore);
+    for (const Command& command : commands())
+        if (name == command.name) return command;
+    throw Failure(name, std::string("not a command") + kMore);
+}
+
+// Throws where the command does not take the operands and options.
+void require_valid(const CommandLine& line, std::vector<std::string> options) {
+    const Command& command = command_of(line.command);
     std::erase(options, line.command);
     for (const std::string& option : options)
-        if (std::count(form.options.begin(), form.options.end(), option) == 0)
+        if (std::count(command.options.begin(), command.options.end(), option) == 0)
             throw Failure(line.command + ": does not take " + option + kMore);
-    if (line.operands.size() < form.least || line.operands.size() > form.most)
-        throw Failure(line.command + ": takes " + form.operands + kMore);
+    if (line.operands.size() < command.least || line.operands.size() > command.most)
+        throw Failure(line.command + ": takes " + command.operands + kMore);
     if ((line.output || line.signature) && line.operands.size() != 2)
         throw Failure(line.command + ": one signature is for one FILE" + kMore);
     // PUB is the only output among the operands.
@@ -160,9 +176,9 @@ void require_form(const CommandLine& line, std::vector<std::string> options) {
 
 }  // namespace
 
-CommandLine parse_command_line(std::span<char*> arguments) {
-    Parser parser(arguments);
-    CommandLine line = parser.parse();
-    require_form(line, parser.options());
+CommandLine parse_command_line(std::span<char*> words) {
+    std::vector<std::string> options;
+    CommandLine line = parse_words(words, options);
+    require_valid(line, options);
     return line;
 }

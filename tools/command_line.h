@@ -19,8 +19,9 @@ struct CommandLine {
     std::optional<std::string> signature;
 };
 
-// Parses the arguments after the name of the program. The result has the operands and options that
-// its command takes. Throws Failure.
-CommandLine parse_command_line(std::span<char*> arguments);
+// Parses the words of a command line, of which the first is the name of the program. The result has
+// the operands and options that its command takes. Throws Failure. Requires that getopt_long has not
+// been called before.
+CommandLine parse_command_line(std::span<char*> words);
 
 #endif

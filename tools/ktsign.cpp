@@ -34,8 +34,8 @@ void fill_standard_descriptors() {
         if (fcntl(fd, F_GETFD) == -1) open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
 }
 
-int run(std::span<char*> arguments) {
-    const CommandLine line = parse_command_line(arguments);
+int run(std::span<char*> words) {
+    const CommandLine line = parse_command_line(words);
     const std::map<std::string, int (*)(const CommandLine&)> commands = {
         {"new-domain", new_domain}, {"new-key", new_key},
         {"public-key", public_key}, {"sign", sign},
@@ -52,7 +52,7 @@ int main(int argc, char** argv) {
     std::setlocale(LC_CTYPE, "");
     std::signal(SIGXFSZ, SIG_IGN);  // a file too long for its limit is an error like others
     try {
-        return run({argv + 1, argv + argc});
+        return run({argv, argv + argc});
     } catch (const std::exception& error) {
         complain(error.what());
         return kFailed;

@@ -1,28 +1,25 @@
 // Montgomery products of drawn numbers.
+#include <fuzzer/FuzzedDataProvider.h>
+
 #include "../longarith/longarith_model.h"
-#include "fuzz.h"
 
 namespace {
 
-// All ones, nearly all ones, nearly all zeros or random limbs.
-Limbs draw_number(Input& input, std::size_t limbs) {
-    Limbs number(limbs);
-    const unsigned kind = input.byte() % 4;
-    for (unsigned short& limb : number) {
-        limb = static_cast<unsigned short>(input.byte() << 8 | input.byte());
-        if (kind == 0 || (kind < 3 && limb % 8 != 0)) limb = kind < 2 ? 0xFFFF : 0;
-    }
+Limbs draw_number(FuzzedDataProvider& input, std::size_t limbs) {
+    constexpr unsigned short kExtremes[] = {0, 1, 0x7FFF, 0x8000, 0xFFFE, 0xFFFF};
+    Limbs number(limbs, input.PickValueInArray(kExtremes));
+    for (unsigned short& limb : number)
+        if (input.ConsumeBool()) limb = input.ConsumeIntegral<unsigned short>();
     return number;
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    Input input(data, size);
-    const std::size_t limbs = 1 + input.byte() % 32;
+    FuzzedDataProvider input(data, size);
+    const auto limbs = input.ConsumeIntegralInRange<std::size_t>(1, 32);
     const Limbs a = draw_number(input, limbs);
-    const bool square = input.byte() % 4 == 0;
-    const Limbs b = square ? a : draw_number(input, limbs);
+    const Limbs b = input.ConsumeBool() ? a : draw_number(input, limbs);
     Limbs m = draw_number(input, limbs);
     m[0] |= 1;
     check_product(a, b, m);

@@ -15,7 +15,8 @@ fail() { echo "FAILED: $*"; failures=$((failures + 1)); }
 
 refused() { # FAULT: what the line must say of test.domain
     rm -f tables numbers
-    "$derive" test.domain tables numbers > out 2>&1 && fail "accepted: $1"
+    "$derive" test.domain tables numbers > out 2>&1
+    [ $? = 1 ] || fail "exit status of: $1"
     [ "$(cat out)" = "derive_domain: test.domain: $1" ] || fail "expected '$1', got '$(cat out)'"
     [ ! -e tables ] && [ ! -e numbers ] || fail "left output: $1"
 }
@@ -64,13 +65,15 @@ rm test.domain;                                              refused "No such fi
 : > test.domain;                                             refused 'no line "p = HEX"'
 rm test.domain; mkdir test.domain;                           refused "not a file"
 
-"$derive" "$good" tables /nowhere/numbers 2> out && fail "wrote into a missing folder"
+"$derive" "$good" tables /nowhere/numbers 2> out
+[ $? = 1 ] || fail "exit status for a missing folder"
 [ "$(cat out)" = "derive_domain: /nowhere/numbers: No such file or directory" ] || fail "$(cat out)"
 "$derive" "" tables numbers 2> out && fail "accepted an empty path"
 [ "$(cat out)" = "derive_domain: \"\": not a file" ] || fail "$(cat out)"
 "$derive" /proc/self/mem tables numbers 2> out && fail "accepted a file that cannot be read"
 [ "$(cat out)" = "derive_domain: /proc/self/mem: Input/output error" ] || fail "$(cat out)"
-"$derive" 2> out && fail "ran without arguments"
+"$derive" 2> out
+[ $? = 2 ] || fail "exit status without arguments"
 [ "$(cat out)" = "usage: derive_domain DOMAIN_FILE TABLES_SOURCE NUMBERS_HEADER" ] || fail "$(cat out)"
 
 [ "$failures" = 0 ]

@@ -41,11 +41,9 @@ TEST(CommandLine, a_path_is_cut_to_4096_characters) {
 }
 
 TEST(CommandLine, no_arguments_give_an_empty_path) {
-    Bytes memory(sizeof(KtCmdLine), '#');
-    const auto* const line = new (memory.data()) KtCmdLine(0, nullptr);
-    EXPECT_EQ(pCmdLine, line);
-    EXPECT_EQ(line->argc, 0);
-    EXPECT_EQ(std::count(line->text, std::end(line->text), '\0'), 4098);
+    const KtCmdLine line(0, nullptr);
+    EXPECT_EQ(line.argc, 0);
+    EXPECT_STREQ(line.text, "");
 }
 
 TEST(CommandLine, the_default_table_has_room_for_the_most_words) {

@@ -107,16 +107,6 @@ TEST_F(Platform, a_query_replaces_the_attributes) {
     EXPECT_EQ(enumeration.next(), -1);
 }
 
-TEST_F(Platform, a_delivered_entry_leaves_errno_unchanged) {
-    for (const char* path : {"a", "b"}) write(path);
-    const Enumeration enumeration("[ab]");
-    for (const char* path : {"a", "b"}) fs::remove(path);
-    errno = kUntouched;
-    EXPECT_EQ(enumeration.next(), 0);
-    EXPECT_EQ(errno, kUntouched);
-    EXPECT_EQ(enumeration.next(), -1);
-}
-
 TEST_F(Platform, enumerations_count_until_their_end) {
     write("a");
     SYS_MAXFILES = 1;

@@ -99,14 +99,6 @@ TEST_F(Platform, a_fault_has_its_outcome_without_a_leak) {
     }
 }
 
-TEST_F(Platform, a_locale_that_cannot_be_restored_stays_c) {
-    calls = {"setlocale", 3, true, EINTR};
-    EXPECT_EQ(enumerate_texts().error, kUntouched);
-    EXPECT_EQ(calls.made["setlocale"], 4) << "it is tried twice";
-    calls = {};
-    EXPECT_STREQ(setlocale(LC_ALL, nullptr), "C");
-}
-
 TEST_F(Platform, a_name_without_memory_is_built_when_there_is_memory) {
     write("a");
     calls = {"new[]", 3, false, EINTR};

@@ -2,13 +2,14 @@
 import os
 import pathlib
 import pty
+import re
 import subprocess
 import sys
 import termios
 import time
 import unittest
 
-from harness import BUILT, EXAMPLES, KTSIGN, Test, run
+from harness import BUILT, EXAMPLES, KTSIGN, Test, run, value
 
 FAULTY = "the signature just made does not match: a faulty key or machine"
 
@@ -61,6 +62,56 @@ class Commands(Test):
             for _ in range(2):
                 subprocess.run([KTSIGN, "sign", "-o", "-", "key", "file"], stdout=collected, check=True)
         self.assertEqual(80, os.path.getsize("collected"))
+        piped = subprocess.run([KTSIGN, "sign", "-o", "-", "key", "file"], stdout=subprocess.PIPE, check=True)
+        self.assertEqual(40, len(piped.stdout))
+
+    def test_standard_input_is_signed(self):
+        self.does("sign", "-o", "signature", "key", "-", input="content")
+        self.assertEqual("standard input: valid\n",
+                         self.does("verify", "-s", "signature", "key.pub", "-", input="content"))
+
+    def test_a_private_key_is_read_from_standard_input(self):
+        self.does("sign", "-", "file", input=pathlib.Path("key").read_text())
+        self.does("verify", "key.pub", "file")
+
+    def test_a_lost_or_damaged_public_key_is_made_again(self):
+        public = pathlib.Path("key.pub").read_bytes()
+        os.truncate("key.pub", 0)
+        self.does("public-key", "key", "key.pub")
+        self.assertEqual(public, pathlib.Path("key.pub").read_bytes())
+        pathlib.Path("key.pub").write_bytes(bytes(256))
+        self.assertEqual(2, run("public-key", "key", "key.pub").returncode)
+        self.does("public-key", "--force", "-", "key.pub", input=pathlib.Path("key").read_text())
+        self.assertEqual(public, pathlib.Path("key.pub").read_bytes())
+
+    def test_a_link_to_a_signature_stays_a_link(self):
+        pathlib.Path("target").touch()
+        os.symlink("target", "file.sig")
+        self.does("sign", "key", "file")
+        self.assertEqual(("target", 40), (os.readlink("file.sig"), os.path.getsize("target")))
+
+    def test_a_file_system_may_lack_unnamed_files(self):
+        faults = ["-e", "inject=access:error=ENOENT", "-e", "inject=fsync:error=EINVAL:when=2"]
+        for more in [[], ["-e", "inject=renameat2:error=EINVAL"]]:
+            pathlib.Path("file.sig").unlink(missing_ok=True)
+            self.does("sign", "key", "file", before=["strace", "-o", "/dev/null", *faults, *more])
+            self.does("verify", "key.pub", "file")
+            self.assertEqual(["file", "file.sig", "key", "key.pub"], sorted(os.listdir()))
+
+    def test_show_tells_a_sound_public_key_from_another(self):
+        self.assertIn("\nsound yes\n", self.does("show", "key.pub"))
+        pathlib.Path("zero.pub").write_bytes(bytes(256))
+        self.assertIn("\nsound no\nreason y is not above 1\n", self.does("show", "zero.pub"))
+
+    def test_one_domain_has_one_fingerprint(self):
+        fingerprints = [value(self.does("show", name), "domain-fingerprint")
+                        for name in ["key", "key.pub", os.environ["DOMAIN"]]]
+        fingerprints.append(value(self.does("--version"), "domain-fingerprint"))
+        self.assertEqual(fingerprints[:1] * 4, fingerprints)
+
+    def test_help_is_printed_anywhere(self):
+        self.assertIn("usage: ktsign", self.does("sign", "key", "--help"))
+        self.assertIn("usage: ktsign", self.does("sign", "key", "-h"))
 
     def test_each_of_many_files_is_signed_or_named(self):
         done = run("sign", "key", "none", "file")
@@ -94,6 +145,7 @@ class Commands(Test):
         self.assertEqual(0, on_a_terminal("new-key", "--encrypt", "locked", typed="one\none\n")[0])
         self.assertEqual(0, with_passphrase("one", "sign", "locked", "file").returncode)
         self.assertEqual(2, with_passphrase("two", "sign", "locked", "file").returncode)
+        self.assertEqual(2, with_passphrase("one" * 200, "sign", "locked", "file").returncode)
         self.assertEqual(2, on_a_terminal("new-key", "--encrypt", "other", typed="one\ntwo\n")[0])
         self.assertFalse(os.path.exists("other"))
 
@@ -116,11 +168,12 @@ class Commands(Test):
             self.assertFalse(os.path.exists("file.sig"))
 
     def test_every_output_is_synced_before_its_directory(self):
-        for words, expected in {("sign", "key", "file"): "fd", ("public-key", "key", "copy"): "fd",
-                                ("new-domain", "domain"): "fd", ("new-key", "other"): "ffdd"}.items():
-            pathlib.Path("syncs").unlink(missing_ok=True)
-            self.assertEqual(0, self.interposed(*words, KTSIGN_SYNCS="syncs").returncode)
-            self.assertEqual(expected, pathlib.Path("syncs").read_text(), words)
+        trace = ["strace", "-y", "-e", "trace=fsync", "-o", "trace"]
+        for words, files in {("sign", "key", "file"): 1, ("public-key", "key", "copy"): 1,
+                             ("new-domain", "domain"): 1, ("new-key", "other"): 2}.items():
+            self.does(*words, before=trace)
+            synced = re.findall(r"fsync\(\d+<(.*?)>", pathlib.Path("trace").read_text())
+            self.assertEqual([False] * files + [True] * files, [path == os.getcwd() for path in synced])
 
 
 unittest.main(argv=sys.argv[:1])

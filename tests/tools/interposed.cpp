@@ -1,10 +1,7 @@
-// Stands before functions of libcrypto and the system. KTSIGN_FAULT names what goes wrong, and
-// KTSIGN_SYNCS a file that gets one letter for each sync: f for a file, d for a directory.
+// Replaces functions of libcrypto and the system. KTSIGN_FAULT names those that fail.
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <openssl/evp.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -40,17 +37,6 @@ int EVP_PKEY_verify(EVP_PKEY_CTX* context, const unsigned char* signature, std::
     if (fault("verify")) return 1;
     return original<decltype(EVP_PKEY_verify)>("EVP_PKEY_verify")(context, signature, size, digest,
                                                                   digest_size);
-}
-
-int fsync(int fd) {
-    struct stat status {};
-    fstat(fd, &status);
-    if (const char* const path = std::getenv("KTSIGN_SYNCS")) {
-        const int log = open(path, O_WRONLY | O_CREAT | O_APPEND, 0600);
-        if (write(log, S_ISDIR(status.st_mode) ? "d" : "f", 1) != 1) std::abort();
-        close(log);
-    }
-    return original<decltype(fsync)>("fsync")(fd);
 }
 
 ssize_t read(int fd, void* buffer, std::size_t size) {

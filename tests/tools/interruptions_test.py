@@ -17,7 +17,9 @@ def system_calls(words, prepared):
     """Every call of a run that meets no fault: its name, and its number among the calls of the name."""
     directory = shutil.copytree(prepared, tempfile.mkdtemp(dir="."), dirs_exist_ok=True)
     assert run(*words, before=[*STRACE, "../trace"], cwd=directory).returncode == 0
-    names = re.findall(r"^(\w+)\(", pathlib.Path("trace").read_text(), re.M)
+    # A build for coverage writes its counts last. A fault there would only damage the counts.
+    trace = pathlib.Path("trace").read_text().split(".gcda")[0]
+    names = re.findall(r"^(\w+)\(", trace, re.M)
     return [(name, names[:i + 1].count(name)) for i, name in enumerate(names) if name != "exit_group"]
 
 
@@ -102,6 +104,9 @@ class Interruptions(Test):
 
     def test_a_failing_call_leaves_a_whole_signature(self):
         self.strike(["sign", "key", "file"], "signed", ["error=EIO"], self.expect_signature)
+
+    def test_an_interrupted_call_leaves_a_whole_signature(self):
+        self.strike(["sign", "key", "file"], "signed", ["error=EINTR"], self.expect_signature)
 
 
 unittest.main(argv=sys.argv[:1])

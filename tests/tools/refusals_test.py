@@ -15,17 +15,31 @@ REFUSALS = {
     "ktsign: no command; see ktsign --help": "",
     "ktsign: nonsense: not a command; see ktsign --help": "nonsense",
     "ktsign: sign: takes KEY FILE...; see ktsign --help": "sign key",
+    "ktsign: show: takes FILE; see ktsign --help": "show key file",
     "ktsign: sign: one signature is for one FILE; see ktsign --help": "sign -o new key file text",
     "ktsign: verify: does not take --force; see ktsign --help": "verify --force key.pub file",
+    "ktsign: show: does not take --version; see ktsign --help": "show key --version",
     "ktsign: sign: standard input is named more than once": "sign - -",
+    "ktsign: verify: standard input is named more than once": "verify -s - key.pub -",
+    "ktsign: new-key: --passphrase-fd is for --encrypt; see ktsign --help": "new-key new --passphrase-fd 0",
+    "ktsign: -o: needs a value; see ktsign --help": "sign key file -o",
+    "ktsign: -none: No such file or directory": "sign key -- -none",
     "ktsign: -key: not an option; write ./-key for a file of this name": "sign -key file",
     "ktsign: --passphrase-fd: not a descriptor: 1x": "show key --passphrase-fd 1x",
+    "ktsign: --passphrase-fd: not a descriptor: one": "show key --passphrase-fd one",
+    "ktsign: --passphrase-fd: not a descriptor: -1": "show key --passphrase-fd=-1",
     "ktsign: key: File exists": "new-key key",
     "ktsign: half.pub: File exists": "new-key half",
+    "ktsign: new-key: a key pair is two files, not standard output": "new-key -",
+    'ktsign: text: exists; "ktsign public-key" makes its public key': "new-key text",
+    'ktsign: half.pub: exists; "ktsign public-key" makes its public key': "new-key half.pub",
+    "ktsign: new: the passphrase is empty": "new-key --encrypt --passphrase-fd 0 new",
     "ktsign: nowhere/new: No such file or directory": "new-key nowhere/new",
     "ktsign: none: No such file or directory": "sign none file",
     "ktsign: line\\x0aend: No such file or directory": "show line\nend",
+    "ktsign: \\xff\\\\: No such file or directory": "show \udcff\\",
     "ktsign: half.pub: Is a directory": "sign key half.pub",
+    "ktsign: .: Is a directory": "sign -o . key file",
     "ktsign: text: exists and is not a signature; --force replaces it": "sign -o text key file",
     "ktsign: text: exists and is not a public key; --force replaces it": "public-key key text",
     "ktsign: text: exists and is not empty; --force replaces it": "new-domain text",
@@ -43,19 +57,25 @@ REFUSALS = {
     "ktsign: rsa: not a DSA key": "sign rsa file",
     "ktsign: large: not a DSA key with a p of 512 bits and a q of 160": "sign large file",
     "ktsign: foreign: a key of another domain": "sign foreign file",
+    "ktsign: squared: a key of another domain": "sign squared file",
     "ktsign: mixed: the public value does not belong to the private key": "sign mixed file",
+    "ktsign: zero: the private key is out of range": "sign zero file",
     "ktsign: strange.pub: not the public key of strange": "sign strange file",
     "ktsign: locked: no terminal for the passphrase; use --passphrase-fd": "sign locked file",
     "ktsign: passphrase descriptor 77: Bad file descriptor": "show locked --passphrase-fd 77",
     "ktsign: standard input: its signature has no name; use -o": "sign key -",
+    "ktsign: standard input: its signature has no name; use -s": "verify key.pub -",
     "ktsign: text: not a public key, which has 256 bytes": "verify text file",
     "ktsign: text: not a signature, which has 40 bytes": "verify -s text key.pub file",
+    "ktsign: key: not a signature, which has 40 bytes": "verify -s key key.pub file",
     "ktsign: p.pub: not a sound public key: component 0 is not below p": "verify p.pub file",
     "ktsign: one.pub: not a sound public key: y is not above 1": "verify one.pub file",
     "ktsign: two.pub: not a sound public key: y^q is not 1": "verify two.pub file",
     "ktsign: swapped.pub: not a sound public key: its components are not 2^40 powers apart":
         "verify swapped.pub file",
     "ktsign: text: not a private key, a public key or a domain": "show text",
+    "ktsign: forty: not a private key, a public key or a domain": "show forty",
+    "ktsign: long: not a key or a domain: too long": "show long",
     'ktsign: bad.domain: no line "p = HEX"': "show bad.domain",
     "verify_file: text: not a public key, which has 256 bytes": "text file key.pub",
     "verify_file: text: not a signature, which has 40 bytes": "key.pub file text",
@@ -93,12 +113,13 @@ def integer(number):
 def write_pem(name, kind, der):
     text = base64.encodebytes(der).decode()
     pathlib.Path(name).write_text(f"-----BEGIN {kind}-----\n{text}-----END {kind}-----\n")
+    os.chmod(name, 0o600)
 
 
-def write_mixed_key():
-    """In the form that has a y of its own: x is 1, but y is 2, not g."""
-    fields = b"".join(integer(number) for number in [0, P, Q, G, 2, 1])
-    write_pem("mixed", "DSA PRIVATE KEY", bytes([0x30, 0x81, len(fields)]) + fields)
+def write_private_key(name, g, x, y):
+    """In the format that has a y of its own."""
+    fields = b"".join(integer(number) for number in [0, P, Q, g, y, x])
+    write_pem(name, "DSA PRIVATE KEY", bytes([0x30, 0x81, len(fields)]) + fields)
 
 
 class Refusals(Test):
@@ -123,7 +144,9 @@ class Refusals(Test):
         self.does("new-key", "foreign", program=BUILT + "/ktsign_fresh")
         os.remove("foreign.pub")
         openssl("pkey -in key -aes256 -passout pass:secret -out locked")
-        write_mixed_key()
+        write_private_key("mixed", G, x=1, y=2)
+        write_private_key("zero", G, x=0, y=1)
+        write_private_key("squared", G * G % P, x=1, y=G * G % P)
         self.does("new-key", "strange")
         os.replace("strange.pub", "other.pub")
         pathlib.Path("strange.pub").write_bytes(pathlib.Path("key.pub").read_bytes())
