@@ -172,7 +172,7 @@ void MD5Final(unsigned char* digest, MD5_CTX* ctx) {
     MD5Update(ctx, kPadding, (used < 56 ? 56 : 120) - used);
     MD5Update(ctx, length, kLengthBytes);
     std::memcpy(digest, ctx->state, kDigestBytes);
-    explicit_bzero(ctx, sizeof *ctx);  // the compiler may drop a memset of a dying record
+    explicit_bzero(ctx, sizeof *ctx);  // the compiler may drop a memset that nothing reads
 }
 
 namespace vantu {

@@ -57,8 +57,9 @@ std::uint32_t big_endian_word(const unsigned char* bytes) {
     return __builtin_bswap32(word);
 }
 
-// Absorbs whole words up to the end of the block, at the start of a word. Returns their bytes. Four
-// bytes replace all bits of a word, so the record is the same as after absorbing single bytes.
+// Absorbs whole words up to the end of the block. Returns the number of absorbed bytes. Four bytes
+// replace all bits of a word, so the record is the same as after absorbing single bytes. Requires
+// length >= 4 and a record at the start of a word.
 unsigned absorb_words(HASH_CTX* ctx, const unsigned char* bytes, unsigned length) {
     const unsigned words = std::min(length / kWordBytes, kShaBlockWords - ctx->index);
     std::uint32_t* const data = ctx->data + ctx->index;
@@ -102,8 +103,8 @@ void HashBuf(unsigned char* buffer, unsigned length, HASH_CTX* ctx) {
 
 void EndHash(HASH_CTX* ctx) {
     const unsigned last = ctx->index % kShaBlockWords;
-    // The padding bit follows the last message byte; shifting it up pushes out what an earlier
-    // compression left above the message bytes of the word.
+    // The padding bit follows the last message byte. The shift below also removes the bytes that an
+    // earlier compression left above the message bytes of this word.
     const std::uint32_t word = ctx->data[last] << 8 | 0x80;
     --ctx->left;
     ctx->data[last] = word << (8 * (ctx->left % kWordBytes));

@@ -19,7 +19,7 @@ extern const CpuInstructions kCpuInstructions;  // those of the running processo
 struct CpuFeatures {
     bool sse2;
     bool sha;   // the SHA instructions, with the SSSE3 and SSE4.1 instructions used beside them
-    bool avx2;  // with the system saving the upper halves of the vector registers
+    bool avx2;  // AVX2, and the system saves the upper halves of the registers
 };
 
 CpuFeatures detect_cpu_features(const CpuInstructions& cpu = kCpuInstructions);

@@ -37,7 +37,8 @@ const Kernels& kernels();
 // The fastest variants for a processor with `cpu`. The table has static storage.
 const Kernels& fastest_kernels(const CpuFeatures& cpu);
 
-// Makes kernels() return `table`, which must outlive its use. Null restores the processor's own.
+// Makes kernels() return `table`, which must outlive its use. Null restores
+// the choice for this processor.
 void set_kernels_for_testing(const Kernels* table);
 
 #endif

@@ -30,7 +30,7 @@ __m128i load_words(const unsigned char* bytes) {
 __m128i next_words(__m128i t16, __m128i t12, __m128i t8, __m128i t4) {
     const __m128i older = _mm_xor_si128(_mm_xor_si128(t16, _mm_alignr_epi8(t16, t12, 8)), t8);
     // W[t+3] depends on W[t], which is in the same vector. W[t] is the first word of `older` xor
-    // W[t-3], so the last lane gets both of these in its place.
+    // W[t-3]. The last lane therefore receives these two words instead of W[t].
     const __m128i t3 = _mm_shuffle_epi32(t4, _MM_SHUFFLE(2, 1, 0, 2));
     return _mm_xor_si128(_mm_xor_si128(older, _mm_srli_si128(older, 12)), t3);
 }

@@ -12,7 +12,7 @@ constexpr short kBytesQ = kBitsQ / 8;
 constexpr short kLimbsP = kBitsP / kLimbBits;
 constexpr short kLimbsQ = kBitsQ / kLimbBits;
 
-// An exponent is the sum of chunk_j * 2^(kChunkBits * j). A base therefore comes as kChunks
+// An exponent is the sum of chunk_j * 2^(kChunkBits * j). A base therefore consists of kChunks
 // numbers, base^(2^(kChunkBits * j)).
 constexpr int kChunks = 4;
 constexpr short kChunkBits = 40;

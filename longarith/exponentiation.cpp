@@ -20,7 +20,8 @@ struct Cursor {
     const unsigned short* power() const { return powers + window * kLimbsP; }
 };
 
-// Multiplies in every window whose lowest bit is at `level`.
+// Multiplies `out` by the power of every window whose lowest bit is at `level`. Moves the cursors
+// of these windows to their next windows.
 void multiply_windows(unsigned short* out, Cursor* cursors, int level) {
     for (Cursor* cursor = cursors; cursor != cursors + kCursors; ++cursor) {
         if (cursor->position != level) continue;
@@ -49,7 +50,7 @@ void stelLAN(unsigned char* e, short* pos, short* win, short w) {
     }
     const int high = 8 * byte + static_cast<int>(std::bit_width(bits)) - 1;
     const int low = std::max(high - w + 1, 0);
-    // At most 8 bits wide, the window reaches into one lower byte at most.
+    // The window has at most 8 bits, so it reaches into at most one lower byte.
     if (low / 8 != byte) bits = bits << 8 | e[byte - 1];
     bits >>= low % 8;  // nothing is set above bit `high`
     const int zeros = std::countr_zero(bits);
@@ -58,7 +59,7 @@ void stelLAN(unsigned char* e, short* pos, short* win, short w) {
 }
 
 void expmodLAN(unsigned short* out, unsigned char* e1, unsigned short* ytab, unsigned char* e2) {
-    // In the order of their first windows: chunk 0 of e1, chunk 0 of e2, chunk 1 of e1, ...
+    // The order of the cursors is chunk 0 of e1, chunk 0 of e2, chunk 1 of e1, ...
     Cursor cursors[kCursors];
     Cursor* leading = nullptr;
     for (int i = 0; i < kCursors; ++i) {

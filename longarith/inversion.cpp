@@ -67,9 +67,9 @@ Unsigned160 sum(std::uint32_t f, const Unsigned160& a, std::uint32_t g, const Un
     return result;
 }
 
-// Several steps of Euclid's algorithm at once. Counted from the remainders R0 = a and R1 = b, they
-// lead to R[i] = |x1*a - y1*b| and R[i+1] = |x2*a - y2*b|. The sign of x*a - y*b is positive for an
-// even index.
+// Several steps of Euclid's algorithm at once. They start at the remainders R[0] = a and R[1] = b
+// and end at R[i] = |x1*a - y1*b| and R[i+1] = |x2*a - y2*b|. The sign of x*a - y*b is positive if
+// the remainder has an even index.
 struct Steps {
     std::uint32_t x1 = 1, y1 = 0;
     std::uint32_t x2 = 0, y2 = 1;
@@ -79,7 +79,8 @@ struct Steps {
 constexpr std::uint32_t kMaxFactor = 0xFFFF;
 
 // Finds steps from the heads of a and b: the 32 bits of each below the highest bit of a. Takes a
-// step only where the heads prove that a and b take it, too. Keeps x2 + y2 <= kMaxFactor.
+// step only if the heads prove that it is also the next step for a and b. Keeps x2 + y2 <=
+// kMaxFactor.
 Steps find_steps(std::uint32_t head_a, std::uint32_t head_b) {
     Steps s;
     std::uint32_t r1 = head_a;
@@ -207,7 +208,7 @@ Unsigned160 modulus() {
 void invertLAN(unsigned char* x, unsigned short* out) {
     Euclid e = {.a = modulus(), .b = from_bytes(x), .ua = {}, .ub = {.limb = {1}, .size = 1}};
     if (!less_limbs(e.b.limb, e.a.limb, kLimbsQ))
-        e.b = difference(1, e.b, 1, e.a);  // x < 2^160 <= 2q: once is enough
+        e.b = difference(1, e.b, 1, e.a);  // x < 2^160 <= 2q: one subtraction is enough
     if (e.b.size == 0) {
         std::fill_n(out, kLimbsQ, static_cast<unsigned short>(0));
         return;

@@ -16,7 +16,7 @@ bool reaches_q(const unsigned short* a) {
     return !less_limbs(a, DsaQ, kLimbsQ);
 }
 
-// Reads r or s from the signature and judges its range.
+// Reads r or s from the signature and checks its range.
 int read_in_range(unsigned char* bytes, unsigned short* number) {
     packLAN(bytes, number, kBytesQ);
     if (reaches_q(number)) return kOutOfRange;
@@ -48,11 +48,12 @@ void make_exponent(const unsigned short* w, const unsigned short* factor, unsign
     unpackLAN(product, exponent, kBytesQ);
 }
 
-// Replaces x, in Montgomery form modulo p, by its residue modulo p, and that by its residue modulo
-// q in the low limbs.
+// Converts `x` from Montgomery form modulo p to its residue modulo p, and reduces this residue
+// modulo q. The result is in the low kLimbsQ limbs of `x`.
 void reduce_to_q(unsigned short* x) {
-    // The product by 1 is (x + U*p) / 2^512, for the U that makes the division exact. That is what
-    // kLimbsP steps of privLAN compute. It is at most p, so the product subtracts nothing.
+    // The product by 1 is (x + U*p) / 2^512, for the U that makes the division exact. kLimbsP
+    // steps of privLAN compute the same value. The value is at most p, so the product subtracts
+    // nothing.
     static constexpr unsigned short kOne[kLimbsP] = {1};
     multiply_mod_p(x, kOne);
     // kLimbsP steps reduce x to at most q, with a factor of 2^-512. The product by 2^672 cancels

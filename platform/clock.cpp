@@ -6,7 +6,7 @@
 #include <cstring>
 
 // The strtoul of ISO C99. From glibc 2.38 on, <cstdlib> redirects strtoul to a function that
-// accepts "0b" as well and that older systems lack.
+// also accepts the prefix "0b". Older systems do not have that function.
 extern "C" unsigned long iso_c99_strtoul(const char* text, char** end, int base) noexcept
     __asm__("strtoul");
 

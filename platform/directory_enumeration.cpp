@@ -77,7 +77,7 @@ bool read_next_match(DIR* stream, Dirent* found) {
     const int errno_before = errno;
     do {
         found->isLink = 0;
-        errno = 0;  // readdir64 returns null at the end and on an error, but sets errno only then
+        errno = 0;  // readdir64 returns null at the end and on an error, and sets errno on an error
         found->entry = readdir64(stream);
         if (found->entry == nullptr) {
             if (errno == 0) errno = errno_before;

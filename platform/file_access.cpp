@@ -13,8 +13,8 @@ constexpr KtFileHandle kInvalidHandle = -1;
 
 KtFileHandle KtOpenFile(const char* path, int flags, int extra, int /*unused*/) {
     if (SYS_OPENFILES >= SYS_MAXFILES) return kInvalidHandle;
-    // Only O_CREAT in `flags` selects creation. open() has a mode only then. The system ignores the
-    // type bit of the mode, S_IFREG.
+    // O_CREAT in `flags` alone decides whether open() receives a mode. The system ignores the type
+    // bit of the mode, S_IFREG.
     const KtFileHandle file = (flags & O_CREAT) != 0
                                   ? open(path, flags | extra, S_IFREG | S_IRUSR | S_IWUSR)
                                   : open(path, flags | O_LARGEFILE | extra);

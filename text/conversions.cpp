@@ -6,7 +6,7 @@
 #include <cstring>
 
 // The strtoul of ISO C99. From glibc 2.38 on, <cstdlib> redirects strtoul to a function that
-// accepts "0b" as well and that older systems lack.
+// also accepts the prefix "0b". Older systems do not have that function.
 extern "C" unsigned long iso_c99_strtoul(const char* text, char** end, int base) noexcept
     __asm__("strtoul");
 
@@ -62,7 +62,7 @@ int MakeHexString(char* output, unsigned char* input, long length) {
 
 int HexStringToBuf(char* text, unsigned char* output) {
     if (text == nullptr || output == nullptr) return 0;
-    // Measured before the loop, because the bytes may be written over the text.
+    // Measure before the loop: the output may overwrite the text.
     const std::size_t length = std::strlen(text);
     if (length == 0 || length % 2 != 0) return 0;
     for (std::size_t i = 0; i < length / 2; ++i)

@@ -15,7 +15,7 @@ void copy_bytes(unsigned char* to, const unsigned char* from, unsigned count) {
     for (; count != 0; --count) *to++ = *from++;
 }
 
-// Loads a unit whole before it stores it, and stores it before it loads the next one. Callers with
+// Loads each unit as a whole, stores this unit, and only then loads the next one. Callers with
 // overlapping ranges depend on this order.
 void copy_units(void* destination, const void* source, unsigned count) {
     auto* to = static_cast<unsigned char*>(destination);

@@ -53,8 +53,8 @@ void multmodLAN(unsigned short* a, unsigned short* b, unsigned short* out, unsig
 // `mont` is m'. Each step replaces a by (a + u*m)/2^16, where u is the limb that makes the division
 // exact. The result is congruent to a/2^(16k) modulo m and at most a/2^(16k) + m. With `k` <= 0,
 // does nothing.
-// Requires nm >= 1. `a` must have room for the larger of na and nm limbs. If na < nm, the limbs of
-// `a` above na take part: the caller must set them.
+// Requires nm >= 1. `a` must have room for the larger of na and nm limbs. If na < nm,
+// a[na] to a[nm - 1] are read, too: the caller must set them.
 void privLAN(unsigned short* a, unsigned short* m, unsigned short mont, short na, short nm,
              short k);
 

@@ -68,7 +68,7 @@ int KtWriteFile(KtFileHandle file, const void* buffer, unsigned size);
 
 // Moves the descriptor's position `offset` bytes from `origin`: SEEK_SET, SEEK_CUR or SEEK_END.
 // Returns the new position from the start of the file. Returns -1 with EOVERFLOW if the new
-// position is 2 GiB or more; the position has moved all the same. Returns -1 with errno set on
+// position is 2 GiB or more; in this case the position has moved. Returns -1 with errno set on
 // other failures, and -1 with errno unchanged for the handle -1.
 std::int32_t KtSeekFile(KtFileHandle file, std::int32_t offset, int origin);
 
@@ -78,9 +78,9 @@ std::int32_t KtSeekFile(KtFileHandle file, std::int32_t offset, int origin);
 //              bits.
 std::int32_t KtGetFileLength(KtFileHandle file);
 
-// Closes the descriptor. Subtracts 1 from SYS_OPENFILES, unless it is 0, before the close and
-// whatever its result. Returns 0, or -1 with errno set. Returns -1 with errno and SYS_OPENFILES
-// unchanged for the handle -1.
+// Subtracts 1 from SYS_OPENFILES, unless SYS_OPENFILES is 0, and then closes the descriptor. A
+// failed close does not undo the subtraction. Returns 0, or -1 with errno set. Returns -1 with
+// errno and SYS_OPENFILES unchanged for the handle -1.
 int KtCloseFile(KtFileHandle file);
 
 // ---- File attributes --------------------------------------------------------------------------
@@ -181,9 +181,9 @@ public:
     char* dir = nullptr;           // the directory
     std::uint32_t dirLen = 0;      // length of `dir` plus 1, but 2 for the "./" of a bare mask
     std::int32_t isLink = 0;       // 1 if the entry is a symbolic link and `attr` is known
-    std::int32_t size = -1;        // in bytes, of a link's target if followed; -1 if not known
+    std::int32_t size = -1;        // in bytes, of a link's target if known; -1 if not known
     std::int32_t attr = -1;        // attributes of the entry itself; -1 if not known
-    std::int32_t targetAttr = -1;  // of a link's target if followed, else equal to `attr`
+    std::int32_t targetAttr = -1;  // of a link's target if known, else equal to `attr`
     std::int32_t error = 0;        // 0, or why the entry's attributes or name are not all known
 };
 
@@ -220,8 +220,9 @@ const char* KtFindGetFileName(Dirent* found);
 // if it cannot be followed, and sets found->isLink to 1.
 KtFileAttributes KtFindGetFileAttributes(Dirent* found);
 
-// Returns the current entry's size in bytes, for a link that can be followed its target's. Returns
-// -1 if the size is not known or `found` is null. Returns -2147483648 for a size of exactly 2 GiB.
+// Returns the current entry's size in bytes. For a link that can be followed, returns the size of
+// its target. Returns -1 if the size is not known or `found` is null. Returns -2147483648 for a
+// size of exactly 2 GiB.
 std::int32_t KtFindGetFileSize(Dirent* found);
 
 // ---- Directory creation -----------------------------------------------------------------------
@@ -310,8 +311,9 @@ class KtCmdLine {
 public:
     // Makes `text` empty, and sets `argv` to the library's default table, which has room for every
     // word that `text` can hold. Then calls ParseCmdLine, so that `argc` is 1.
-    // All default-made objects share that table. Making another one overwrites argv[0] of the
-    // first; splitting the text of another one overwrites the words of the first.
+    // All objects of this constructor share that table. The construction of a second object
+    // overwrites argv[0] of the first. ParseCmdLine of the second overwrites the words of the
+    // first.
     KtCmdLine();
 
     // Keeps `argc` and the pointer `argv`, not a copy of the table. Copies argv[0] to the path
@@ -332,7 +334,7 @@ public:
     int ParseCmdLine();
 
     // Writes the full path of `name` to `out`. Returns `out`. Writes nothing if `name` or `out` is
-    // null. The first form that `name` has decides:
+    // null. The first row that matches `name` applies:
     //   \\server...   `name`, with every "/" replaced by a backslash
     //   \...         the path text before its first backslash, then `name` unchanged
     //   empty        the empty text
@@ -354,7 +356,7 @@ public:
 
 extern "C" {
 
-// The KtCmdLine that was made last; null at load.
+// The KtCmdLine object that was constructed last; null at load.
 extern KtCmdLine* pCmdLine;
 
 }  // extern "C"

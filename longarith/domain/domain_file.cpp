@@ -67,7 +67,7 @@ Domain parse_domain(const std::string& text) {
 }
 
 Domain read_domain_file(const std::string& path) {
-    std::error_code error;  // opening the file reports what this query cannot
+    std::error_code error;  // ignored: the open below reports errors of the path
     if (path.empty() || std::filesystem::is_directory(path, error)) throw DomainError("not a file");
     std::ifstream file(path, std::ios::binary);
     if (!file) throw DomainError(std::strerror(errno));

@@ -22,11 +22,11 @@ inline Bytes little_endian(const std::string& hex) {
 constexpr const char* kQ = "c773218c737ec8ee993b4f2ded30f48edace915f";
 constexpr const char* kR = "8bac1ab66410435cb7181f95b16ab97c92b341c0";
 constexpr const char* kS = "41e2345f1f56df2458f426d155b4ba2db6dcd8c8";
-// Of the example's message by the digest of 1993, with the same key and nonce.
+// s of the example's message, key and nonce with the SHA of 1993.
 constexpr const char* kSOfAbc = "1272cde7ff6c85740593c4a88cc229b22c0670d2";
 constexpr const char* kDigest = "a9993e364706816aba3e25717850c26c9cd0d89d";
 
-// y^(2^(40j)) * 2^512 mod p for j = 3 to 0, which is the order of a number's digits.
+// y^(2^(40j)) * 2^512 mod p. The most significant digits come first, so j runs from 3 to 0.
 inline Bytes key() {
     return little_endian(
         "03233f6965dfb9b39362a0e2f6f43d15993a5441d0be27201ba6562022434c5e"
