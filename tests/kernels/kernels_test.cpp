@@ -129,21 +129,6 @@ TEST_P(Kernel, digests_lengths_modulo_2_to_the_32_bits) {
         check_sha({'a', 'b', 'c'}, {}, before);
 }
 
-TEST_P(Kernel, multiplies_edge_values) {
-    for (std::size_t n = 1; n <= 32; ++n) {
-        const Limbs zero(n);
-        const Limbs ones(n, 0xFFFF);
-        Limbs one(n);
-        one.front() = 1;
-        Limbs top(n);
-        top.back() = 0x8000;
-        top.front() |= 1;
-        for (const Limbs& m : {one, top, ones})
-            for (const Limbs& a : {zero, one, top, ones})
-                for (const Limbs& b : {zero, one, top, ones}) check_product(a, b, m);
-    }
-}
-
 // These values bring the columns of the vector variants close to 2^32.
 TEST_P(Kernel, multiplies_values_that_fill_the_columns) {
     Limbs a(32, 0xFFFF);
@@ -153,11 +138,13 @@ TEST_P(Kernel, multiplies_values_that_fill_the_columns) {
     check_product(a, b, Limbs(32, 0xFFFF));
 }
 
-// Random limbs between runs of ones.
+// Random limbs between runs of zeros and ones.
 Limbs draw_limbs(std::mt19937& random, std::size_t count) {
     Limbs limbs(count);
-    for (unsigned short& limb : limbs)
-        limb = random() % 2 == 0 ? 0xFFFF : static_cast<unsigned short>(random());
+    for (unsigned short& limb : limbs) {
+        const unsigned short choices[] = {0, 0xFFFF, static_cast<unsigned short>(random())};
+        limb = choices[random() % 3];
+    }
     return limbs;
 }
 
