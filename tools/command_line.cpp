@@ -73,7 +73,7 @@ const option kOptions[] = {{"output", required_argument, nullptr, 'o'},
                            {}};
 
 // "-" makes getopt_long return each operand in its place, as the argument of kOperand. ":" makes it
-// return ':' where a value is missing.
+// return ':' for a missing value, and print no message of its own.
 constexpr char kShortOptions[] = "-:o:s:";
 
 std::string long_name(int value) {
@@ -131,7 +131,6 @@ CommandLine parse_words(std::span<char*> words, std::vector<std::string>& option
         line.command = "--help";
         return line;
     }
-    opterr = 0;
     const int count = static_cast<int>(words.size());
     while (optind < count) {
         const std::string word = words[optind];

@@ -1,4 +1,5 @@
 """Tests the files and the output of the commands of ktsign, also with a faulty libcrypto or input."""
+import hashlib
 import os
 import pathlib
 import pty
@@ -99,7 +100,10 @@ class Commands(Test):
             self.assertEqual(["file", "file.sig", "key", "key.pub"], sorted(os.listdir()))
 
     def test_show_reports_whether_a_public_key_is_sound(self):
-        self.assertIn("\nsound yes\n", self.does("show", "key.pub"))
+        shown = self.does("show", "key.pub")
+        self.assertIn("\nsound yes\n", shown)
+        self.assertEqual(hashlib.sha256(pathlib.Path("key.pub").read_bytes()).hexdigest(),
+                         value(shown, "key-fingerprint"))
         pathlib.Path("zero.pub").write_bytes(bytes(256))
         self.assertIn("\nsound no\nreason y is not above 1\n", self.does("show", "zero.pub"))
 
@@ -166,6 +170,12 @@ class Commands(Test):
             done = self.interposed("sign", "key", "file", KTSIGN_FAULT=fault)
             self.assertEqual((2, f"ktsign: {message}\n"), (done.returncode, done.stderr))
             self.assertFalse(os.path.exists("file.sig"))
+
+    def test_the_process_protects_its_memory(self):
+        self.does("show", "key", before=["strace", "-o", "trace"])
+        trace = pathlib.Path("trace").read_text()
+        for call in ["prctl(PR_SET_DUMPABLE, SUID_DUMP_DISABLE)", "RLIMIT_CORE, {rlim_cur=0", "mlock"]:
+            self.assertIn(call, trace)
 
     def test_every_output_is_synced_before_its_directory(self):
         trace = ["strace", "-y", "-e", "trace=fsync", "-o", "trace"]

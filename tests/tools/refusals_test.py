@@ -38,6 +38,7 @@ REFUSALS = {
     "ktsign: none: No such file or directory": "sign none file",
     "ktsign: line\\x0aend: No such file or directory": "show line\nend",
     "ktsign: \\xff\\\\: No such file or directory": "show \udcff\\",
+    "ktsign: ÿ: No such file or directory": "show ÿ",
     "ktsign: half.pub: Is a directory": "sign key half.pub",
     "ktsign: .: Is a directory": "sign -o . key file",
     "ktsign: text: exists and is not a signature; --force replaces it": "sign -o text key file",
@@ -181,6 +182,11 @@ class Refusals(Test):
             flipped[bit // 8] ^= 1 << bit % 8
             write_pem("key", "PRIVATE KEY", flipped)
             self.assertEqual(2, run("sign", "key", "file").returncode, bit)
+        self.assertFalse(os.path.exists("file.sig"))
+
+    def test_a_limit_of_the_file_size_is_an_error(self):
+        done = run("-c", f"ulimit -f 0; '{KTSIGN}' sign key file", program="bash")
+        self.assertEqual((2, "ktsign: file.sig: File too large\n"), (done.returncode, done.stderr))
         self.assertFalse(os.path.exists("file.sig"))
 
     def test_a_full_standard_output_is_an_error(self):
