@@ -1,4 +1,4 @@
-// Verification, the Montgomery product and the inversion.
+// Times verification, the Montgomery product and the inversion.
 #include <ktbase/longarith.h>
 
 #include <cstdio>
@@ -23,7 +23,7 @@ constexpr DsaExample kExample = {
     fips186::kS,
     fips186::kDigest};
 
-// False when the library is built for another domain than the example's.
+// False if the library has another domain than the example.
 bool bench_verification(const Peers& peers) {
     Bytes key = fips186::key();
     Bytes signature = fips186::signature();

@@ -1,4 +1,4 @@
-// Hexadecimal text, beside loops over tables.
+// Times hexadecimal conversions, compared with loops over tables.
 #include <ktbase/text.h>
 
 #include <array>

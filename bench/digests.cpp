@@ -1,5 +1,5 @@
-// MD5 and SHA. No general library has the SHA of 1993. SHA-1 does the same work and one rotation
-// more for each word of the schedule.
+// Times MD5 and SHA. No general library has the SHA of 1993. SHA-1 needs one more rotation for each
+// word of the schedule.
 #include <ktbase/digest.h>
 
 #include <cstring>
@@ -47,7 +47,7 @@ void bench_md5(const Peers& peers, const Bytes& data) {
                             {"chain of steps (limit)", [] { md5_step_chain(kManyBlocks); }}});
 }
 
-// The message is absorbed in pieces of `piece` bytes.
+// Absorbs the message in pieces of `piece` bytes.
 void digest(Bytes& data, unsigned size, unsigned piece) {
     HASH_CTX ctx;
     InitHash(&ctx);
@@ -80,7 +80,7 @@ void bench_sha_messages(const Peers& peers, Bytes& data) {
     }
 }
 
-// The variants on the same blocks, beside the chain of rounds.
+// Times the variants on the same blocks, compared with the chain of rounds.
 void bench_sha_blocks(const Bytes& data) {
     const CpuFeatures cpu = detect_cpu_features();
     std::vector<std::pair<std::string, ShaBlocks*>> variants = {{"plain", sha_blocks_plain}};

@@ -15,7 +15,7 @@ void bench_arithmetic(const Peers& peers);
 void bench_conversions();
 void bench_platform();
 
-// Every candidate's result is checked before it is timed.
+// Each result is checked before the measurement.
 inline void check(bool right, const std::string& what) {
     if (!right) throw std::runtime_error("wrong result: " + what);
 }

@@ -1,5 +1,5 @@
-// The chains of dependent instructions that no implementation of a digest can avoid on this
-// processor. They compute nothing: loads, message schedule and sums are left out.
+// The chains of dependent instructions that every implementation of a digest contains. They have no
+// loads, no message schedule and no sums, so they compute no digest.
 #ifndef KTBASE_BENCH_LIMITS_H
 #define KTBASE_BENCH_LIMITS_H
 

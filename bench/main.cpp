@@ -1,4 +1,4 @@
-// The library beside its limits, its own kernel variants and general libraries.
+// Compares the library with its limits, its kernel variants and general libraries.
 // usage: ktbench [PEERS]    PEERS: a folder with 32-bit libraries, as script/bench makes it
 #include <cstdio>
 

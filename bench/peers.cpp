@@ -12,7 +12,7 @@ namespace {
 constexpr int kMd5 = 1;  // libgcrypt's numbers of the algorithms
 constexpr int kSha1 = 2;
 
-// One loaded library, until the program ends.
+// A loaded library. It is never unloaded.
 class Library {
 public:
     Library(const std::string& folder, const char* name, int scope = RTLD_LOCAL)
@@ -162,7 +162,7 @@ PeerInversion libcrypto_inversion(const Library& libcrypto, const std::string& x
 PeerInversion gmp_inversion(const Library& gmp, const std::string& x_hex,
                             const std::string& modulus) {
     const auto number = [&](const std::string& hex) {
-        auto* const z = new GmpNumber;  // until the program ends
+        auto* const z = new GmpNumber;  // never released
         gmp.get<int(GmpNumber*, const char*, int)>("__gmpz_init_set_str")(z, hex.c_str(), 16);
         return z;
     };

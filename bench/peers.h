@@ -1,4 +1,4 @@
-// General libraries that do the same work, loaded at run time from a folder that holds them.
+// General libraries with the same functions, loaded at run time from a folder.
 #ifndef KTBASE_BENCH_PEERS_H
 #define KTBASE_BENCH_PEERS_H
 
@@ -35,7 +35,7 @@ struct DsaExample {
     const char *p, *q, *g, *y, *r, *s, *digest;
 };
 
-// Every list is empty when `folder` is.
+// Every list is empty if `folder` is empty.
 class Peers {
 public:
     explicit Peers(std::string folder) : folder_(std::move(folder)) {}

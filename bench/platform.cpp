@@ -1,4 +1,4 @@
-// Enumeration and reading, beside the system's calls and the standard library.
+// Times enumeration and reading, compared with system calls and the standard library.
 #include <dirent.h>
 #include <fcntl.h>
 #include <fnmatch.h>
@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A directory of empty files in memory where the machine has /dev/shm.
+// A directory of empty files, in /dev/shm if it exists.
 class TestDirectory {
 public:
     explicit TestDirectory(int files)

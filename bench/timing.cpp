@@ -8,9 +8,9 @@
 namespace {
 
 constexpr int kRounds = 31;
-constexpr double kSlice = 1.5e6;  // nanoseconds a candidate gets in a round, or one call
+constexpr double kSlice = 1.5e6;  // nanoseconds for each candidate in a round; at least one call
 
-// The thread's own time, so that other work on the machine counts for less.
+// Thread time, which contains less of the other load of the machine than wall time.
 double now() {
     timespec t;
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
@@ -23,7 +23,7 @@ double time_of(const Candidate& candidate, long calls) {
     return now() - start;
 }
 
-// As many calls as fill a slice.
+// The number of calls that fill a slice.
 long calls_in_slice(const Candidate& candidate) {
     for (long calls = 1;; calls *= 2) {
         const double time = time_of(candidate, calls);

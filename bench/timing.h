@@ -1,4 +1,4 @@
-// Candidates for one piece of work, timed side by side.
+// Measures candidates for the same work in one process.
 #ifndef KTBASE_BENCH_TIMING_H
 #define KTBASE_BENCH_TIMING_H
 
@@ -11,9 +11,8 @@ struct Candidate {
     std::function<void()> run;
 };
 
-// Times the candidates in turn, round after round, and prints for each how many times as long as
-// the first one it took: the median over the rounds, and the range between the first and the last
-// tenth of them.
+// Times each candidate once in every round. Prints for each the ratio of its time to that of the
+// first candidate: the median over the rounds, the 10 % quantile and the 90 % quantile.
 void compare(const std::string& kernel, const std::vector<Candidate>& candidates);
 
 #endif

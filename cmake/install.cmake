@@ -1,7 +1,7 @@
-# What `cmake --install` puts where, in three components: libktbase, development and tools.
+# Install rules, in three components: libktbase, development and tools.
 
-# GNUInstallDirs takes the compiler's default for the library's machine. On a 64-bit one, Debian
-# keeps 32-bit libraries in /usr/lib32, and everybody else in lib.
+# GNUInstallDirs uses the default architecture of the compiler. For 32-bit libraries on a 64-bit machine,
+# Debian uses /usr/lib32, and other systems use lib.
 if(ktbase_m32 AND NOT DEFINED CMAKE_INSTALL_LIBDIR)
   set(ktbase_libdir lib)
   if(CMAKE_INSTALL_PREFIX STREQUAL "/usr" AND EXISTS /etc/debian_version)
@@ -32,13 +32,13 @@ install(FILES README.md CHANGELOG.md COPYRIGHT
 install(DIRECTORY docs examples DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
   FILES_MATCHING PATTERN "*.md" PATTERN "*.cpp")
 
-# A cmake --install may choose another prefix, so the files of the package find it from themselves.
+# `cmake --install` accepts another prefix, so these files compute the prefix from their own location.
 install(EXPORT ktbase-targets NAMESPACE ktbase::
   DESTINATION "${ktbase_cmake_dir}" COMPONENT development)
 configure_package_config_file(cmake/ktbase-config.cmake.in
   "${PROJECT_BINARY_DIR}/ktbase-config.cmake" INSTALL_DESTINATION "${ktbase_cmake_dir}"
   NO_SET_AND_CHECK_MACRO)
-# Compilers of both widths build 32-bit hosts, so the width of the default is no reason to refuse.
+# 64-bit compilers also build 32-bit hosts, so the version file must not compare pointer sizes.
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/ktbase-config-version.cmake"
   COMPATIBILITY SameMajorVersion ARCH_INDEPENDENT)
 install(FILES "${PROJECT_BINARY_DIR}/ktbase-config.cmake"

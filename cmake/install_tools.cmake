@@ -1,4 +1,4 @@
-# What `cmake --install` puts where of ktsign, in the component tools.
+# Install rules of ktsign, in the component tools.
 include(GNUInstallDirs)
 include(cmake/manual_page.cmake)
 

@@ -1,9 +1,9 @@
 # Debian packages, one for each component, for cpack -G DEB.
 #
-# With a compiler whose default is 64-bit, the packages have its architecture and put 32-bit code into
-# /usr/lib32, as Debian's own lib32* packages do. So they install without a foreign architecture.
+# With a 64-bit compiler, the packages have its architecture and contain 32-bit code in /usr/lib32, like
+# Debian's lib32* packages. They need no foreign architecture.
 if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
-  return()  # another prefix has other paths
+  return()  # the paths of the packages need this prefix
 endif()
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME ktbase)
@@ -94,7 +94,7 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   endif()
 endforeach()
 
-# The newest release dates the packages, so one version gives the same bytes whenever it is packaged.
+# The date of the newest release is the date of the packages, so every build of a version has the same bytes.
 set(CPACK_PROJECT_CONFIG_FILE "${documents}/times.cmake")
 file(WRITE "${CPACK_PROJECT_CONFIG_FILE}" "set(ENV{SOURCE_DATE_EPOCH} ${newest})\n")
 

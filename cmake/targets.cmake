@@ -1,9 +1,9 @@
-# What the targets of the project are compiled with.
+# Compiler options of the targets.
 #   ktbase_native            programs of the build machine
 #   ktbase_32bit             hosts of the library: 32-bit x86, i686 baseline
-#   ktbase_hardened          the library and ktsign, against the exploitation of faults
+#   ktbase_hardened          the library and ktsign: measures against exploits
 #   ktbase_library           the sources of the library
-#   ktbase_thread_sanitizer  native programs under ThreadSanitizer, which has no 32-bit form
+#   ktbase_thread_sanitizer  native programs under ThreadSanitizer, which does not support 32-bit x86
 include(CheckCXXSourceCompiles)
 include(CMakePushCheckState)
 
@@ -26,7 +26,7 @@ add_library(ktbase_warnings INTERFACE)
 target_compile_features(ktbase_warnings INTERFACE cxx_std_20)
 target_compile_options(ktbase_warnings INTERFACE
   -Wall -Wextra -Wpedantic $<$<BOOL:${KTBASE_WARNINGS_AS_ERRORS}>:-Werror>
-  # g++ 12 takes std::string concatenation for an overlapping copy (GCC bug 105651).
+  # g++ 12 reports std::string concatenations as overlapping copies (GCC bug 105651).
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 
 add_library(ktbase_native INTERFACE)
@@ -39,16 +39,16 @@ endif()
 
 add_library(ktbase_32bit INTERFACE)
 target_link_libraries(ktbase_32bit INTERFACE ktbase_native)
-# The tuning for i686 prefers string instructions for small copies. They are slow to start today.
+# The tuning for i686 uses string instructions for small copies, which are slow on today's processors.
 target_compile_options(ktbase_32bit INTERFACE ${ktbase_m32} -march=i686 -mtune=generic)
 target_link_options(ktbase_32bit INTERFACE ${ktbase_m32})
 
 add_library(ktbase_hardened INTERFACE)
-# Not where coverage is measured: the check at the end of a function is a branch that no test can take.
+# Not in a build for coverage: no test can take the branch of the stack check.
 target_compile_options(ktbase_hardened INTERFACE
   "$<$<NOT:$<CONFIG:Coverage>>:-fstack-protector-strong>" -fcf-protection)
 target_link_options(ktbase_hardened INTERFACE "LINKER:-z,relro,-z,now,-z,noexecstack,-z,text")
-# Checked calls need the optimiser, which computes the sizes, and would hide overruns from a sanitizer.
+# The checked calls need optimisation, which computes the sizes. With a sanitizer they would hide overflows.
 if(NOT KTBASE_SANITIZE)
   target_compile_options(ktbase_hardened INTERFACE
     "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")

@@ -15,7 +15,7 @@ namespace {
 
 constexpr char kSettings[] = "settings.ini";
 
-// Converts `text` to `seconds`. Returns false if it is no number of 31 bits.
+// Converts `text` to `seconds`. Returns false if `text` is not a number of 31 bits.
 bool parse_seconds(const char* text, std::int32_t& seconds) {
     char* end = nullptr;
     errno = 0;
@@ -27,8 +27,8 @@ bool parse_seconds(const char* text, std::int32_t& seconds) {
 bool make_directory_of_the_day() {
     KtLocalDate date;
     if (KtTimeToLocalDate(KtGetTime(), &date) == nullptr) return false;
-    // To the system a backslash is part of a name, so "logs", "logs\2001" and so on are all made in
-    // the current directory.
+    // For the system a backslash is part of a name, so all directories ("logs", "logs\2001", ...)
+    // are created in the current directory.
     char path[64];
     std::snprintf(path, sizeof path, "logs\\%04d\\%02d\\%02d", date.tm_year + 1900, date.tm_mon + 1,
                   date.tm_mday);
@@ -47,7 +47,7 @@ void print_path_of_settings(KtCmdLine& program) {
 }
 
 bool print_words(const char* text) {
-    static KtCmdLine commands;  // static, because pCmdLine points to it from now on
+    static KtCmdLine commands;  // static, because pCmdLine points to it
     if (std::strlen(text) >= sizeof commands.text) return false;
     CopyTextString(commands.text, text);
     commands.ParseCmdLine();

@@ -33,8 +33,8 @@ char type_letter(KtFileAttributes attributes) {
     return S_ISREG(attributes) ? '-' : 's';  // devices, pipes and sockets
 }
 
-// The entry's size. A file of exactly 2 GiB has the size -2147483648, which reads right as
-// unsigned.
+// The entry's size. The size of a file of exactly 2 GiB is -2147483648, and the cast to unsigned
+// makes it 2147483648.
 std::string size_text(Dirent* found) {
     if (KtFindGetFileAttributes(found) == -1) return "?";
     return std::to_string(static_cast<unsigned>(KtFindGetFileSize(found)));
@@ -101,7 +101,7 @@ int main(int argc, char** argv) {
     do {
         rows.push_back(
             {type_letter(KtFindGetFileAttributes(found)), size_text(found), name_text(found)});
-        errno = 0;  // stays 0 at the end, unless the directory cannot be read
+        errno = 0;  // KtFindNext sets errno only if it cannot read the directory
     } while (KtFindNext(find, found) == 0);
     const int error = errno;
 

@@ -1,4 +1,4 @@
-// Prints the MD5 of files as the system's md5sum does, names that need escaping included.
+// Prints the MD5 of files in the format of md5sum, with the same escapes in names.
 //
 //   md5sum [FILE]...    "-", and no FILE, is standard input; exit status: 0, or 1 when a file
 //   failed

@@ -1,4 +1,4 @@
-// The shortest way to verify a file that fits in memory: one read, one call, yes or no.
+// Verifies a file that fits in memory, with one read and one call.
 //
 // As in verify_file, `ktsign show PUB` prints the fingerprint of the key.
 //
@@ -20,7 +20,7 @@ namespace {
     std::exit(2);
 }
 
-// The whole file in one read. A file of more or fewer bytes than its length says is none to take.
+// Reads the whole file with one call. Refuses a file whose length differs from the bytes read.
 std::vector<unsigned char> load(const char* path) {
     const KtFileHandle file = KtOpenFile(path, O_RDONLY, 0, 0);
     const int length = file == -1 ? -1 : KtGetFileLength(file);

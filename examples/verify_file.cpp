@@ -1,8 +1,8 @@
-// Verifies a signature over a file of any size: the file goes through the digest in pieces, and
-// CheckSignature says why a signature is refused.
+// Verifies a signature over a file of any size. Digests the file in pieces. CheckSignature returns
+// the reason for a refusal.
 //
-// The library verifies with any key. `ktsign show PUB` prints the fingerprint to compare with the
-// vendor's, and says whether the key is sound.
+// The library accepts any key. `ktsign show PUB` prints whether the key is sound, and its
+// fingerprint for a comparison with the vendor's.
 //
 //   verify_file PUB FILE SIG    exit status: 0 valid, 1 not valid, 2 something else went wrong
 #include <fcntl.h>
@@ -55,7 +55,7 @@ private:
 
 template <unsigned kSize>
 struct Blob {
-    unsigned char bytes[kSize + 1];  // room to notice a file that is too long
+    unsigned char bytes[kSize + 1];  // one more byte, to detect a longer file
 
     Blob(const char* path, const char* kind) {
         if (InputFile(path).read(bytes, sizeof bytes) != kSize)

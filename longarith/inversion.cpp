@@ -109,7 +109,7 @@ Steps find_steps(std::uint32_t head_a, std::uint32_t head_b) {
 }
 
 // The 32 bits of `number` that begin `shift` bits below the top of limb `top`.
-std::uint32_t head(const Unsigned160& number, int top, int shift) {
+std::uint32_t leading_bits(const Unsigned160& number, int top, int shift) {
     const std::uint32_t below = top > 1 ? number.limb[top - 2] : 0U;
     return number.two_limbs(top) << shift | below >> (16 - shift);
 }
@@ -127,9 +127,9 @@ Quotient underestimate(const Unsigned160& a, const Unsigned160& b) {
     const int top_a = a.size - 1;
     const int top_b = b.size - 1;
     const int shift = std::countl_zero(b.limb[top_b]);
-    const std::uint32_t divisor = high_half(head(b, top_b, shift)) + 1;
+    const std::uint32_t divisor = high_half(leading_bits(b, top_b, shift)) + 1;
     const std::uint32_t extra_limb = std::uint32_t{a.limb[top_a]} >> (16 - shift);
-    const std::uint32_t next_limbs = head(a, top_a, shift);
+    const std::uint32_t next_limbs = leading_bits(a, top_a, shift);
     if (extra_limb == 0 && a.size > b.size) {
         // next_limbs >= 2^16 >= divisor, so the factor is at least 1.
         return {std::min(next_limbs / divisor, kMaxFactor), a.size - b.size - 1};
@@ -181,7 +181,8 @@ void run(Euclid& e) {
     while (!e.b.is_one()) {
         const int top = e.a.size - 1;
         const int shift = std::countl_zero(e.a.limb[top]);
-        const Steps steps = find_steps(head(e.a, top, shift), head(e.b, top, shift));
+        const Steps steps =
+            find_steps(leading_bits(e.a, top, shift), leading_bits(e.b, top, shift));
         if (steps.x2 != 0)
             e.apply(steps);
         else

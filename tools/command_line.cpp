@@ -32,7 +32,7 @@ constexpr char kMore[] = "; see ktsign --help";
 
 struct Command {
     const char* name;
-    const char* operands;  // as a message names them
+    const char* operands;  // for messages
     std::size_t least;
     std::size_t most;
     std::vector<std::string> options;
@@ -61,7 +61,7 @@ int parse_descriptor(const std::string& text) {
     return fd;
 }
 
-// Values of options that have no short command.
+// Values of options without a short option.
 enum : int { kOperand = 1, kEncrypt = 256, kForce, kPassphraseFd, kVersion };
 
 const option kOptions[] = {{"output", required_argument, nullptr, 'o'},
@@ -72,8 +72,8 @@ const option kOptions[] = {{"output", required_argument, nullptr, 'o'},
                            {"version", no_argument, nullptr, kVersion},
                            {}};
 
-// "-" makes getopt_long return each operand in its place, as the argument of kOperand. ":" makes it
-// return ':' for a missing value, and print no message of its own.
+// With "-", getopt_long returns each operand in its order, as the argument of kOperand. With ":",
+// it returns ':' for a missing value, and prints no message.
 constexpr char kShortOptions[] = "-:o:s:";
 
 std::string long_name(int value) {
@@ -95,7 +95,7 @@ void take_operand(CommandLine& line, const char* word) {
         line.operands.emplace_back(word);
 }
 
-// `word` holds the option.
+// `word` is the argument that contains the option.
 void take_option(CommandLine& line, int value, const std::string& word) {
     switch (value) {
         case 'o':
@@ -154,7 +154,7 @@ const Command& command_of(const std::string& name) {
     throw Failure(name, std::string("not a command") + kMore);
 }
 
-// Throws where the command does not take the operands and options.
+// Throws Failure unless the command accepts the operands and options.
 void require_valid(const CommandLine& line, std::vector<std::string> options) {
     const Command& command = command_of(line.command);
     std::erase(options, line.command);

@@ -10,7 +10,7 @@
 extern const char kUsage[];
 
 struct CommandLine {
-    std::string command;  // "--help" and "--version", too
+    std::string command;  // or "--help" or "--version"
     std::vector<std::string> operands;
     bool encrypt = false;
     bool force = false;
@@ -20,8 +20,8 @@ struct CommandLine {
 };
 
 // Parses the words of a command line, of which the first is the name of the program. The result has
-// the operands and options that its command takes. Throws Failure. Requires that getopt_long has not
-// been called before.
+// the operands and options that its command takes. Throws Failure. Requires that getopt_long has
+// not been called before.
 CommandLine parse_command_line(std::span<char*> words);
 
 #endif

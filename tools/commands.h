@@ -1,4 +1,4 @@
-// The commands of ktsign. Each returns the exit status, and throws Failure when it did nothing.
+// The commands of ktsign. Each returns the exit status. Throws Failure if the command did nothing.
 #ifndef KTBASE_TOOLS_COMMANDS_H
 #define KTBASE_TOOLS_COMMANDS_H
 

@@ -1,4 +1,4 @@
-// An open file that is closed with its owner.
+// Owns an open file descriptor.
 #ifndef KTBASE_TOOLS_DESCRIPTOR_H
 #define KTBASE_TOOLS_DESCRIPTOR_H
 

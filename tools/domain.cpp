@@ -28,20 +28,20 @@ Number number_from_limbs(const Limbs& limbs) {
 }
 
 Parameters generate_parameters() {
-    const KeyContext context(must(EVP_PKEY_CTX_new_from_name(nullptr, "DSA", nullptr)));
-    must(EVP_PKEY_paramgen_init(context.get()) == 1);
-    must(EVP_PKEY_CTX_set_dsa_paramgen_bits(context.get(), kBitsP) == 1);
-    must(EVP_PKEY_CTX_set_dsa_paramgen_q_bits(context.get(), kBitsQ) == 1);
+    const KeyContext context(checked(EVP_PKEY_CTX_new_from_name(nullptr, "DSA", nullptr)));
+    checked(EVP_PKEY_paramgen_init(context.get()) == 1);
+    checked(EVP_PKEY_CTX_set_dsa_paramgen_bits(context.get(), kBitsP) == 1);
+    checked(EVP_PKEY_CTX_set_dsa_paramgen_q_bits(context.get(), kBitsQ) == 1);
     EVP_PKEY* made = nullptr;
-    must(EVP_PKEY_paramgen(context.get(), &made) == 1);
+    checked(EVP_PKEY_paramgen(context.get(), &made) == 1);
     return Parameters(made);
 }
 
 std::string line(const EVP_PKEY* parameters, const char* name) {
     BIGNUM* value = nullptr;
-    must(EVP_PKEY_get_bn_param(parameters, name, &value) == 1);
+    checked(EVP_PKEY_get_bn_param(parameters, name, &value) == 1);
     const Number owner(value);
-    const Text digits(must(BN_bn2hex(value)));
+    const Text digits(checked(BN_bn2hex(value)));
     return std::string(name) + " = " + digits.get() + "\n";
 }
 
@@ -59,9 +59,9 @@ bool has_the_size(const DomainNumbers& domain) {
 
 std::string fingerprint(const DomainNumbers& domain) {
     std::array<unsigned char, 2 * kBytesP + kBytesQ> bytes;
-    must(BN_bn2binpad(domain.p.get(), bytes.data(), kBytesP) == kBytesP);
-    must(BN_bn2binpad(domain.q.get(), &bytes[kBytesP], kBytesQ) == kBytesQ);
-    must(BN_bn2binpad(domain.g.get(), &bytes[kBytesP + kBytesQ], kBytesP) == kBytesP);
+    checked(BN_bn2binpad(domain.p.get(), bytes.data(), kBytesP) == kBytesP);
+    checked(BN_bn2binpad(domain.q.get(), &bytes[kBytesP], kBytesQ) == kBytesQ);
+    checked(BN_bn2binpad(domain.g.get(), &bytes[kBytesP + kBytesQ], kBytesP) == kBytesP);
     return sha256_hexadecimal(bytes);
 }
 
@@ -83,7 +83,7 @@ std::string generate_domain_file() {
                                  line(parameters.get(), OSSL_PKEY_PARAM_FFC_Q) +
                                  line(parameters.get(), OSSL_PKEY_PARAM_FFC_G);
         try {
-            // The library takes no p with a top limb of 0xFFFF, one in 2^15.
+            // The library refuses a p with a top limb of 0xFFFF, which is one p in 2^15.
             const DomainNumbers domain = parse_domain_file("the new domain", text);
             return "# domain-fingerprint " + fingerprint(domain) + "\n" + text;
         } catch (const Failure&) {

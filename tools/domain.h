@@ -1,4 +1,4 @@
-// DSA domains as numbers of libcrypto: the built-in one, and others that keys and files bring.
+// DSA domains as libcrypto's numbers: the built-in domain, and the domains of keys and files.
 #ifndef KTBASE_TOOLS_DOMAIN_H
 #define KTBASE_TOOLS_DOMAIN_H
 
@@ -15,7 +15,7 @@ struct DomainNumbers {
 const DomainNumbers& built_in_domain();
 bool operator==(const DomainNumbers& a, const DomainNumbers& b);
 
-// True when p has 512 bits and q has 160.
+// True if p has 512 bits, q has 160 and g at most 512.
 bool has_the_size(const DomainNumbers& domain);
 
 // SHA-256 of p (64 bytes), q (20) and g (64), each most significant byte first, in hexadecimal.

@@ -48,7 +48,7 @@ std::size_t InputFile::read(std::span<unsigned char> buffer) {
 void InputFile::require_unchanged() const {
     if (!S_ISREG(status_.st_mode)) return;
     const struct stat now = query();
-    // A writer can set the time of modification back, but not the time of change.
+    // A program can restore the time of modification, but not the time of change.
     if (now.st_size != status_.st_size || !equal(now.st_mtim, status_.st_mtim) ||
         !equal(now.st_ctim, status_.st_ctim))
         throw Failure(name_, "changed while it was read");

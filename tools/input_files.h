@@ -16,15 +16,15 @@
 
 class InputFile {
 public:
-    explicit InputFile(const std::string& name);  // throws Failure, as every function here
+    explicit InputFile(const std::string& name);  // all functions throw Failure
 
     const std::string& name() const { return name_; }
     const struct stat& status() const { return status_; }
     std::optional<std::uint64_t> size() const;  // of a regular file
 
-    // Reads up to the size of `buffer`. Returns the bytes read, fewer only at the end.
+    // Fills `buffer`. Returns the bytes read, fewer than its size only at the end of the file.
     std::size_t read(std::span<unsigned char> buffer);
-    // Throws when size or time is another one than at the opening.
+    // Throws Failure if the size or a time has changed since the file was opened.
     void require_unchanged() const;
 
 private:

@@ -14,9 +14,9 @@ namespace {
 
 constexpr mode_t kOthers = S_IRWXG | S_IRWXO;
 
-// SIGKILL between the two names leaves the private key without a public one. A file that belongs to
-// another user, or that others have access to, is not taken for such a key.
-bool is_left_alone(const std::string& private_name) {
+// True for a private key without a public key, which SIGKILL leaves between the creation of the
+// two. False for a file of another user, and for a file that others have access to.
+bool lacks_public_key(const std::string& private_name) {
     struct stat status;
     if (name_exists(private_name + ".pub") || lstat(private_name.c_str(), &status) == -1)
         return false;
@@ -32,8 +32,8 @@ void complete_key_pair(const std::string& private_name, Passphrase& passphrase) 
     const std::string public_name = private_name + ".pub";
     const PrivateKey key = read_own_private_key(private_name, passphrase);
     public_key_output(public_name, false).write(key.public_key());
-    complain(quoted(private_name) + ": existed without " + quoted(public_name) +
-             "; kept, and the public key made from it");
+    print_error(quoted(private_name) + ": existed without " + quoted(public_name) +
+                "; kept, and the public key made from it");
 }
 
 }  // namespace
@@ -49,7 +49,7 @@ int new_key(const CommandLine& line) {
     const std::string& name = line.operands[0];
     if (name == "-") throw Failure("new-key: a key pair is two files, not standard output");
     Passphrase passphrase(line.passphrase_fd);
-    if (is_left_alone(name)) {
+    if (lacks_public_key(name)) {
         complete_key_pair(name, passphrase);
         return kDone;
     }
@@ -74,10 +74,11 @@ int public_key(const CommandLine& line) {
         throw Failure(output_name, "would be overwritten, it is an input");
     Passphrase passphrase(line.passphrase_fd);
     const PrivateKey key = read_own_private_key(name, passphrase);
-    // --force replaces also the public key that would have to match.
+    // The public key that is replaced does not have to match.
     const bool replaces_other =
         output.identity() && output.identity() == file_identity(name + ".pub");
-    if (!replaces_other || !(line.force || output.is_empty())) require_match_beside(key, name);
+    if (!replaces_other || !(line.force || output.is_empty()))
+        require_matching_public_key(key, name);
     output.write(key.public_key());
     return kDone;
 }

@@ -16,7 +16,7 @@ namespace {
 
 int help(const CommandLine& /*line*/) {
     std::string usage = kUsage;
-    usage.pop_back();  // print_line ends the line
+    usage.pop_back();  // print_line adds the newline
     print_line(usage);
     return kDone;
 }
@@ -27,8 +27,9 @@ int version(const CommandLine& /*line*/) {
     return kDone;
 }
 
-// Fills the places of closed standard descriptors, or a key could open as standard output and take
-// what is printed. The fillers fail when they are read or written.
+// Opens /dev/null for each closed standard descriptor. Otherwise a file that ktsign opens would
+// become standard output, and ktsign would print into it. A read or write of these descriptors
+// fails.
 void fill_standard_descriptors() {
     for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         if (fcntl(fd, F_GETFD) == -1) open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
@@ -50,11 +51,11 @@ int main(int argc, char** argv) {
     fill_standard_descriptors();
     protect_process();
     std::setlocale(LC_CTYPE, "");
-    std::signal(SIGXFSZ, SIG_IGN);  // a file too long for its limit is an error like others
+    std::signal(SIGXFSZ, SIG_IGN);  // a write beyond RLIMIT_FSIZE then fails with EFBIG
     try {
         return run({argv, argv + argc});
     } catch (const std::exception& error) {
-        complain(error.what());
+        print_error(error.what());
         return kFailed;
     }
 }

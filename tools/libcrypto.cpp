@@ -18,29 +18,29 @@ void fail_with_libcrypto() {
 }
 
 Number number(BN_ULONG value) {
-    Number made(must(BN_new()));
-    must(BN_set_word(made.get(), value));
+    Number made(checked(BN_new()));
+    checked(BN_set_word(made.get(), value));
     return made;
 }
 
 Number number_from_hexadecimal(const char* digits) {
     BIGNUM* parsed = nullptr;
-    must(BN_hex2bn(&parsed, digits));
+    checked(BN_hex2bn(&parsed, digits));
     return Number(parsed);
 }
 
 Number number_from_little_endian(ConstBytes bytes) {
-    return Number(must(BN_lebin2bn(bytes.data(), static_cast<int>(bytes.size()), nullptr)));
+    return Number(checked(BN_lebin2bn(bytes.data(), static_cast<int>(bytes.size()), nullptr)));
 }
 
 NumberContext number_context() {
-    return NumberContext(must(BN_CTX_new()));
+    return NumberContext(checked(BN_CTX_new()));
 }
 
 std::string sha256_hexadecimal(ConstBytes bytes) {
     std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
     unsigned size = 0;
-    must(EVP_Digest(bytes.data(), bytes.size(), digest.data(), &size, EVP_sha256(), nullptr));
+    checked(EVP_Digest(bytes.data(), bytes.size(), digest.data(), &size, EVP_sha256(), nullptr));
     std::string text;
     for (unsigned i = 0; i < size; ++i) {
         std::array<char, 3> digits{};

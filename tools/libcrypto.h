@@ -1,4 +1,4 @@
-// libcrypto's objects with an owner, and its errors as exceptions.
+// Owners of libcrypto's objects, and exceptions for its errors.
 #ifndef KTBASE_TOOLS_LIBCRYPTO_H
 #define KTBASE_TOOLS_LIBCRYPTO_H
 
@@ -27,9 +27,9 @@ using NumberContext = Owned<BN_CTX, BN_CTX_free>;
 // after the first one only name the functions that passed it on.
 [[noreturn]] void fail_with_libcrypto();
 
-// Returns what a libcrypto function returned. Throws Failure when it says that the function failed.
+// Returns the result of a libcrypto function. Throws Failure if the result reports an error.
 template <class Result>
-Result must(Result result) {
+Result checked(Result result) {
     if (!result) fail_with_libcrypto();
     return result;
 }

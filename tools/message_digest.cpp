@@ -10,7 +10,7 @@
 namespace {
 
 constexpr std::size_t kPieceBytes = 1 << 16;
-// From here on the digest would not be the one of FIPS 180.
+// The digest of a longer message is not the one of FIPS 180.
 constexpr std::uint64_t kTooLong = std::uint64_t{1} << 29;
 
 void require_digestible(const InputFile& file, std::uint64_t size) {

@@ -6,8 +6,8 @@
 
 #include <string>
 
-// Returns the finished SHA digest of a file of less than 2^29 bytes. Throws Failure, also when the
-// file changes while it is read.
+// Returns the finished SHA digest of a file of less than 2^29 bytes. Throws Failure, also if the
+// file changes during the read.
 HASH_CTX digest_file(const std::string& name);
 
 #endif

@@ -38,7 +38,7 @@ void fail_with_errno(const std::string& name) {
     throw Failure(name, std::strerror(errno));
 }
 
-void complain(const std::string& message) {
+void print_error(const std::string& message) {
     std::fprintf(stderr, "ktsign: %s\n", message.c_str());
 }
 

@@ -1,26 +1,26 @@
-// What ktsign prints: one line a message, with names that cannot act on the terminal.
+// The output of ktsign: messages of one line, with escaped control characters in names.
 #ifndef KTBASE_TOOLS_MESSAGES_H
 #define KTBASE_TOOLS_MESSAGES_H
 
 #include <stdexcept>
 #include <string>
 
-// Quotes a file name for a message: what the locale does not call printable becomes \xHH, a
-// backslash is doubled, and "-" becomes `dash`.
+// Quotes a file name for a message. A byte that is not part of a printable character of the locale
+// becomes \xHH, a backslash is doubled, and "-" becomes `dash`.
 std::string quoted(const std::string& name, const std::string& dash = "standard input");
 
-// What went wrong with which file, in one line.
+// An error message of one line: the file and the reason.
 struct Failure : std::runtime_error {
     using std::runtime_error::runtime_error;
     Failure(const std::string& name, const std::string& reason)
         : std::runtime_error(quoted(name) + ": " + reason) {}
 };
 
-// Throws the Failure that errno describes.
+// Throws a Failure with the message of errno.
 [[noreturn]] void fail_with_errno(const std::string& name);
 
 // Prints a line of the form "ktsign: MESSAGE" on standard error.
-void complain(const std::string& message);
+void print_error(const std::string& message);
 
 // Prints a line on standard output. Throws Failure.
 void print_line(const std::string& line);

@@ -17,7 +17,7 @@ namespace {
 constexpr char kOpenFiles[] = "/proc/self/fd/";
 constexpr std::size_t kStemBytes = 200;  // of a temporary name, which has at most 255
 constexpr mode_t kOwnerOnly = 0600;
-constexpr mode_t kEverybody = 0666;  // less the umask
+constexpr mode_t kEverybody = 0666;  // the umask clears some of these bits
 constexpr mode_t kPermissions = 0777;
 
 mode_t mode_of_new_file() {
@@ -54,7 +54,7 @@ void sync_file(int fd, const std::string& name) {
     if (fsync(fd) == -1) fail_with_errno(name);
 }
 
-constexpr uid_t kUnchanged = -1;  // as fchown takes it
+constexpr uid_t kUnchanged = -1;  // fchown keeps the owner
 
 struct Access {
     mode_t mode;
@@ -62,7 +62,7 @@ struct Access {
     gid_t group = kUnchanged;
 };
 
-// A complete file on the disk, without its name yet.
+// A complete file on the disk that does not have its name yet.
 class StagedFile {
 public:
     StagedFile(const std::string& name, ConstBytes content, Access access, bool replaces)
@@ -99,7 +99,7 @@ public:
     // Removes what create() made.
     void withdraw() const { unlinkat(directory_.get(), base_.c_str(), 0); }
 
-    // Gives the file its name, which it takes from another file.
+    // Gives the file its name, and replaces the file that has this name.
     void replace() {
         if (renameat(AT_FDCWD, temporary_.c_str(), directory_.get(), base_.c_str()) == -1)
             fail_with_errno(name_);
@@ -108,8 +108,8 @@ public:
     }
 
 private:
-    // A file without a name disappears with the process. Not every file system has such files, and
-    // only /proc can give them a name.
+    // The system removes a file without a name at the end of the process. Some file systems do not
+    // support such files. A link from /proc gives such a file its name.
     void open_unnamed() {
         if (access(kOpenFiles, F_OK) == -1) return;
         file_ =
@@ -147,14 +147,14 @@ private:
                              RENAME_NOREPLACE) == 0) {
             temporary_.clear();
             return 0;
-        } else if (errno != EINVAL) {  // EINVAL: the file system cannot, and then it has links
+        } else if (errno != EINVAL) {  // EINVAL: the file system does not support the flag
             return -1;
         }
         return linkat(AT_FDCWD, from.c_str(), directory_.get(), base_.c_str(), AT_SYMLINK_FOLLOW);
     }
 
     void sync_directory() const {
-        // Some file systems have no sync of a directory, and say so with EINVAL.
+        // EINVAL: the file system does not support the sync of a directory.
         if (fsync(directory_.get()) == -1 && errno != EINVAL) fail_with_errno(name_);
     }
 
@@ -162,7 +162,7 @@ private:
     std::string base_;
     Descriptor directory_;
     Descriptor file_;
-    std::string temporary_;  // empty: the file has no name at all
+    std::string temporary_;  // empty: the file has no name
 };
 
 void write_through(const std::string& name, ConstBytes content) {
@@ -224,8 +224,8 @@ void OutputFile::require_replaceable(const struct stat& status) const {
         fail_with_errno(name_);
     }
     if (!S_ISREG(status.st_mode)) throw Failure(name_, "not a regular file");
-    const bool own = status.st_size == 0 || status.st_size == replacement_.size;
-    if (!own && !replacement_.forced)
+    const bool replaceable = status.st_size == 0 || status.st_size == replacement_.size;
+    if (!replaceable && !replacement_.forced)
         throw Failure(name_, "exists and is not " + replacement_.kind + "; --force replaces it");
 }
 
@@ -237,7 +237,7 @@ void OutputFile::write(ConstBytes content) const {
             sync_file(STDOUT_FILENO, "standard output");
         return;
     }
-    // The first query may be long ago: a large file was digested since.
+    // Query again: the file may have changed while ktsign digested a large input.
     const State now = query();
     if (now.status && !S_ISREG(now.status->st_mode)) return write_through(name_, content);
     const BlockedSignals blocked;

@@ -1,7 +1,7 @@
-// Files that ktsign writes. What is reported as written is on the disk: a file is synced before it
-// takes its name, and its directory after that. A reader sees the old content or the new, never a
-// part. Signals are blocked while files are written, so that a signal leaves both keys of a pair or
-// neither, and no temporary file.
+// Files that ktsign writes. A file is synced before it gets its name, and its directory afterwards,
+// so a file is on the disk when a function returns. A reader sees the old content or the new
+// content, never a part. Signals are blocked while files are written: after a signal, both keys of
+// a pair exist or neither does, and no temporary file remains.
 #ifndef KTBASE_TOOLS_OUTPUT_FILES_H
 #define KTBASE_TOOLS_OUTPUT_FILES_H
 
@@ -13,31 +13,31 @@
 #include "descriptor.h"
 #include "libcrypto.h"
 
-// True for a link that leads to no file, too. Throws Failure when the query fails.
+// Also true for a symbolic link without a target. Throws Failure if the query fails.
 bool name_exists(const std::string& name);
 
-// Which file a name leads to.
+// Identifies the file of a name, after symbolic links.
 struct FileIdentity {
     dev_t device;
     ino_t inode;
     auto operator<=>(const FileIdentity&) const = default;
 };
 
-// Returns nothing when `name` leads to no file. Throws Failure when the query fails otherwise.
+// Returns nothing if the file does not exist. Throws Failure for any other error of the query.
 std::optional<FileIdentity> file_identity(const std::string& name);
 
-// What an output may replace.
+// The files that an output may replace.
 struct Replacement {
-    std::string kind;           // as a message names it
-    std::optional<off_t> size;  // of what the command writes; nothing: only an empty file
+    std::string kind;           // for messages
+    std::optional<off_t> size;  // replaces files of this size; nothing: only empty files
     bool forced = false;        // any regular file
 };
 
-// One output. A link is followed to what it leads to. A pipe or a terminal is written through, and
-// so is standard output, by the name "-". Every function throws Failure.
+// One output. Symbolic links are followed. A pipe, a terminal and standard output (the name "-")
+// are written in place. Every function throws Failure.
 class OutputFile {
 public:
-    // Throws when the file may not be written.
+    // Throws Failure if the file must not be replaced.
     OutputFile(const std::string& name, Replacement replacement);
 
     std::optional<FileIdentity> identity() const;  // of an existing file
@@ -58,8 +58,8 @@ private:
     State state_;
 };
 
-// Creates a private key that only its owner may read and the public key for everybody less the
-// umask, the private key first. Neither name may exist. Throws Failure, and then neither was made.
+// Creates a private key with mode 0600 and then the public key with mode 0666 less the umask.
+// Requires that neither file exists. Throws Failure, and then neither file exists.
 void create_key_pair(const std::string& private_name, ConstBytes private_key,
                      const std::string& public_name, ConstBytes public_key);
 

@@ -15,11 +15,11 @@ namespace {
 
 constexpr std::size_t kMaxBytes = 512;
 
-// Takes no byte beyond the line, so that a file may follow on the same descriptor.
+// Reads no byte beyond the line, because a file may follow on the same descriptor.
 SecretBytes read_line(int fd) {
     const std::string name = "passphrase descriptor " + std::to_string(fd);
     SecretBytes line;
-    line.reserve(kMaxBytes);  // growth would leave copies in the heap
+    line.reserve(kMaxBytes);  // a reallocation would leave a copy in the heap
     for (unsigned char byte = 0;;) {
         const ssize_t got = read(fd, &byte, 1);
         if (got == -1 && errno == EINTR) continue;
@@ -31,7 +31,7 @@ SecretBytes read_line(int fd) {
 }
 
 SecretBytes prompt_for(const std::string& key_name, bool twice) {
-    // Without a terminal libcrypto would read from standard input.
+    // Without a terminal, libcrypto reads standard input.
     if (Descriptor(open("/dev/tty", O_RDWR | O_CLOEXEC)).get() == -1)
         throw Failure(key_name, "no terminal for the passphrase; use --passphrase-fd");
     const std::string prompt = "Passphrase of " + quoted(key_name) + ": ";

@@ -9,10 +9,11 @@
 
 class Passphrase {
 public:
-    // Reads a line of the descriptor `fd`, or prompts on the terminal when there is none.
+    // Takes the passphrase from a line of the descriptor `fd`, or from the terminal if `fd` is
+    // empty.
     explicit Passphrase(std::optional<int> fd) : fd_(fd) {}
 
-    // The first call reads or prompts; later ones return the same. Throws Failure.
+    // The first call reads or prompts, and later calls return the same passphrase. Throws Failure.
     const SecretBytes& for_existing_key(const std::string& key_name);
     const SecretBytes& for_new_key(const std::string& key_name);  // prompts twice
 

@@ -21,8 +21,8 @@
 
 namespace {
 
-// The most memory that libcrypto gives scrypt when it reads a key is 32 MiB. With N = 2^14 and
-// r = 8 it is 16 MiB; p = 5 makes up for the rest.
+// libcrypto refuses a key whose scrypt needs more than 32 MiB. N = 2^14 and r = 8 need 16 MiB. p =
+// 5 multiplies the time by 5.
 constexpr unsigned kScryptN = 1 << 14;
 constexpr unsigned kScryptR = 8;
 constexpr unsigned kScryptP = 5;
@@ -50,28 +50,29 @@ DigestInteger digest_integer(const HASH_CTX& digest) {
 }
 
 KeyContext context_of(EVP_PKEY* key) {
-    return KeyContext(must(EVP_PKEY_CTX_new(key, nullptr)));
+    return KeyContext(checked(EVP_PKEY_CTX_new(key, nullptr)));
 }
 
 Number parameter(const EVP_PKEY* key, const char* name) {
     BIGNUM* value = nullptr;
-    must(EVP_PKEY_get_bn_param(key, name, &value) == 1);
+    checked(EVP_PKEY_get_bn_param(key, name, &value) == 1);
     return Number(value);
 }
 
-// libcrypto's own generation refuses a p of 512 bits. A private number is any from 1 to q - 1.
+// Returns a random number from 1 to q - 1. libcrypto's generation of keys refuses a p of 512 bits.
 Number random_private_number() {
-    Number x(must(BN_secure_new()));
-    while (BN_is_zero(x.get()) == 1) must(BN_priv_rand_range(x.get(), built_in_domain().q.get()));
+    Number x(checked(BN_secure_new()));
+    while (BN_is_zero(x.get()) == 1)
+        checked(BN_priv_rand_range(x.get(), built_in_domain().q.get()));
     return x;
 }
 
-// Returns g^x mod p, in a time that does not depend on x.
+// Returns g^x mod p in constant time.
 Number public_number(const Number& x) {
     Number y = number();
     BN_set_flags(x.get(), BN_FLG_CONSTTIME);
-    must(BN_mod_exp(y.get(), built_in_domain().g.get(), x.get(), built_in_domain().p.get(),
-                    number_context().get()));
+    checked(BN_mod_exp(y.get(), built_in_domain().g.get(), x.get(), built_in_domain().p.get(),
+                       number_context().get()));
     return y;
 }
 
@@ -82,7 +83,7 @@ struct PassphraseRequest {
     std::exception_ptr failure;
 };
 
-// As libcrypto calls it for an encrypted key; an exception must not pass through libcrypto.
+// libcrypto calls this function for an encrypted key. An exception must not leave it.
 int give_passphrase(char* buffer, int size, int /*writing*/, void* argument) {
     auto& request = *static_cast<PassphraseRequest*>(argument);
     if (request.failure) return -1;
@@ -100,69 +101,70 @@ int give_passphrase(char* buffer, int size, int /*writing*/, void* argument) {
 
 SignatureBlob encode(const std::vector<unsigned char>& der) {
     const unsigned char* parsed = der.data();
-    const Signature signature(must(d2i_DSA_SIG(nullptr, &parsed, static_cast<long>(der.size()))));
+    const Signature signature(
+        checked(d2i_DSA_SIG(nullptr, &parsed, static_cast<long>(der.size()))));
     const BIGNUM* r = nullptr;
     const BIGNUM* s = nullptr;
     DSA_SIG_get0(signature.get(), &r, &s);
     SignatureBlob blob;
-    must(BN_bn2lebinpad(r, blob.data(), kBytesQ) == kBytesQ);
-    must(BN_bn2lebinpad(s, blob.data() + kBytesQ, kBytesQ) == kBytesQ);
+    checked(BN_bn2lebinpad(r, blob.data(), kBytesQ) == kBytesQ);
+    checked(BN_bn2lebinpad(s, blob.data() + kBytesQ, kBytesQ) == kBytesQ);
     return blob;
 }
 
-// libcrypto's own forms of such keys leave no choice of scrypt's parameters.
+// libcrypto's function for this format does not take the parameters of scrypt.
 void write_encrypted(BIO* stream, const EVP_PKEY* key, const SecretBytes& passphrase) {
     std::array<unsigned char, kSaltBytes> salt;
-    must(RAND_bytes(salt.data(), kSaltBytes) == 1);
-    Algorithm algorithm(must(PKCS5_pbe2_set_scrypt(EVP_aes_256_cbc(), salt.data(), kSaltBytes,
-                                                   nullptr, kScryptN, kScryptR, kScryptP)));
-    const PlainKey plain(must(EVP_PKEY2PKCS8(key)));
+    checked(RAND_bytes(salt.data(), kSaltBytes) == 1);
+    Algorithm algorithm(checked(PKCS5_pbe2_set_scrypt(EVP_aes_256_cbc(), salt.data(), kSaltBytes,
+                                                      nullptr, kScryptN, kScryptR, kScryptP)));
+    const PlainKey plain(checked(EVP_PKEY2PKCS8(key)));
     const EncryptedKey encrypted(
-        must(PKCS8_set0_pbe(reinterpret_cast<const char*>(passphrase.data()),
-                            static_cast<int>(passphrase.size()), plain.get(), algorithm.get())));
+        checked(PKCS8_set0_pbe(reinterpret_cast<const char*>(passphrase.data()),
+                               static_cast<int>(passphrase.size()), plain.get(), algorithm.get())));
     static_cast<void>(algorithm.release());  // now part of `encrypted`
-    must(PEM_write_bio_PKCS8(stream, encrypted.get()) == 1);
+    checked(PEM_write_bio_PKCS8(stream, encrypted.get()) == 1);
 }
 
 void warn_when_others_may_read(const InputFile& file) {
     const mode_t others = S_IRGRP | S_IROTH;
     if (file.size() && (file.status().st_mode & others) != 0)
-        complain(quoted(file.name()) +
-                 ": warning: others than its owner may read this private key");
+        print_error(quoted(file.name()) +
+                    ": warning: others than its owner may read this private key");
 }
 
 }  // namespace
 
 PrivateKey PrivateKey::generate() {
-    const DomainNumbers& own = built_in_domain();
+    const DomainNumbers& domain = built_in_domain();
     const Number x = random_private_number();
     const Number y = public_number(x);
-    const ParamBuilder builder(must(OSSL_PARAM_BLD_new()));
-    must(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_FFC_P, own.p.get()) == 1);
-    must(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_FFC_Q, own.q.get()) == 1);
-    must(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_FFC_G, own.g.get()) == 1);
-    must(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_PUB_KEY, y.get()) == 1);
-    must(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_PRIV_KEY, x.get()) == 1);
-    const Params params(must(OSSL_PARAM_BLD_to_param(builder.get())));
+    const ParamBuilder builder(checked(OSSL_PARAM_BLD_new()));
+    checked(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_FFC_P, domain.p.get()) == 1);
+    checked(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_FFC_Q, domain.q.get()) == 1);
+    checked(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_FFC_G, domain.g.get()) == 1);
+    checked(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_PUB_KEY, y.get()) == 1);
+    checked(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_PRIV_KEY, x.get()) == 1);
+    const Params params(checked(OSSL_PARAM_BLD_to_param(builder.get())));
 
-    const KeyContext context(must(EVP_PKEY_CTX_new_from_name(nullptr, "DSA", nullptr)));
+    const KeyContext context(checked(EVP_PKEY_CTX_new_from_name(nullptr, "DSA", nullptr)));
     EVP_PKEY* made = nullptr;
-    must(EVP_PKEY_fromdata_init(context.get()) == 1);
-    must(EVP_PKEY_fromdata(context.get(), &made, EVP_PKEY_KEYPAIR, params.get()) == 1);
+    checked(EVP_PKEY_fromdata_init(context.get()) == 1);
+    checked(EVP_PKEY_fromdata(context.get(), &made, EVP_PKEY_KEYPAIR, params.get()) == 1);
     PrivateKey key{Handle(made)};
-    // A key that cannot sign is no key: signing verifies the result.
+    // Test the key: sign() verifies the signature.
     HASH_CTX digest{};
-    must(RAND_bytes(reinterpret_cast<unsigned char*>(digest.state), sizeof(digest.state)) == 1);
+    checked(RAND_bytes(reinterpret_cast<unsigned char*>(digest.state), sizeof(digest.state)) == 1);
     static_cast<void>(key.sign(digest));
     return key;
 }
 
 PrivateKey PrivateKey::from_pem(const SecretBytes& pem, Passphrase& passphrase,
                                 const std::string& name) {
-    const Stream stream(must(BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size()))));
+    const Stream stream(checked(BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size()))));
     PassphraseRequest request{passphrase, name, false, nullptr};
     Handle key(PEM_read_bio_PrivateKey(stream.get(), nullptr, give_passphrase, &request));
-    ERR_clear_error();  // whatever it tried before it found the form
+    ERR_clear_error();  // errors of the formats that libcrypto tried first
     if (request.failure) std::rethrow_exception(request.failure);
     if (!key && request.made) throw Failure(name, "wrong passphrase, or a damaged key");
     if (!key) throw Failure(name, "not a private key in PEM");
@@ -175,7 +177,7 @@ PrivateKey PrivateKey::from_pem(const SecretBytes& pem, Passphrase& passphrase,
         ERR_clear_error();
         throw Failure(name, "the private key is out of range");
     }
-    // Some forms of PEM bring a public value of their own.
+    // Some formats also contain the public value.
     if (EVP_PKEY_pairwise_check(context.get()) != 1) {
         ERR_clear_error();
         throw Failure(name, "the public value does not belong to the private key");
@@ -184,12 +186,12 @@ PrivateKey PrivateKey::from_pem(const SecretBytes& pem, Passphrase& passphrase,
 }
 
 SecretBytes PrivateKey::to_pem(const SecretBytes* passphrase) const {
-    const Stream stream(must(BIO_new(BIO_s_secmem())));
+    const Stream stream(checked(BIO_new(BIO_s_secmem())));
     if (passphrase != nullptr)
         write_encrypted(stream.get(), key_.get(), *passphrase);
     else
-        must(PEM_write_bio_PKCS8PrivateKey(stream.get(), key_.get(), nullptr, nullptr, 0, nullptr,
-                                           nullptr) == 1);
+        checked(PEM_write_bio_PKCS8PrivateKey(stream.get(), key_.get(), nullptr, nullptr, 0,
+                                              nullptr, nullptr) == 1);
     const unsigned char* text = nullptr;
     const long size = BIO_get_mem_data(stream.get(), &text);
     return {text, text + size};
@@ -209,14 +211,14 @@ PublicKeyBlob PrivateKey::public_key() const {
 SignatureBlob PrivateKey::sign(const HASH_CTX& digest) const {
     const DigestInteger integer = digest_integer(digest);
     const KeyContext context = context_of(key_.get());
-    must(EVP_PKEY_sign_init(context.get()) == 1);
+    checked(EVP_PKEY_sign_init(context.get()) == 1);
     std::size_t size = 0;
-    must(EVP_PKEY_sign(context.get(), nullptr, &size, integer.data(), integer.size()) == 1);
+    checked(EVP_PKEY_sign(context.get(), nullptr, &size, integer.data(), integer.size()) == 1);
     std::vector<unsigned char> der(size);
-    must(EVP_PKEY_sign(context.get(), der.data(), &size, integer.data(), integer.size()) == 1);
+    checked(EVP_PKEY_sign(context.get(), der.data(), &size, integer.data(), integer.size()) == 1);
     der.resize(size);
 
-    must(EVP_PKEY_verify_init(context.get()) == 1);
+    checked(EVP_PKEY_verify_init(context.get()) == 1);
     const int verdict =
         EVP_PKEY_verify(context.get(), der.data(), der.size(), integer.data(), integer.size());
     ERR_clear_error();
@@ -241,9 +243,9 @@ PrivateKey read_own_private_key(const std::string& name, Passphrase& passphrase)
     return key;
 }
 
-void require_match_beside(const PrivateKey& key, const std::string& name) {
-    const std::string beside = name + ".pub";
-    if (name == "-" || !file_identity(beside)) return;
-    if (read_public_key(beside) != key.public_key())
-        throw Failure(beside, "not the public key of " + quoted(name));
+void require_matching_public_key(const PrivateKey& key, const std::string& name) {
+    const std::string public_name = name + ".pub";
+    if (name == "-" || !file_identity(public_name)) return;
+    if (read_public_key(public_name) != key.public_key())
+        throw Failure(public_name, "not the public key of " + quoted(name));
 }

@@ -1,4 +1,4 @@
-// Private keys and what is made with them, by libcrypto.
+// Private keys and signatures, made by libcrypto.
 #ifndef KTBASE_TOOLS_PRIVATE_KEY_H
 #define KTBASE_TOOLS_PRIVATE_KEY_H
 
@@ -16,21 +16,22 @@ constexpr std::size_t kMaxKeyFileBytes = (1 << 14) - 1;
 
 using SignatureBlob = std::array<unsigned char, 40>;  // r, then s, least significant byte first
 
-// A DSA key whose y belongs to its x. Every function throws Failure.
+// A DSA key with y = g^x. Every function throws Failure.
 class PrivateKey {
 public:
     static PrivateKey generate();  // in the built-in domain
-    // Reads PEM, encrypted or not, in any domain of the size. `name` is for messages.
+    // Reads plain or encrypted PEM, in any domain with a p of 512 bits and a q of 160. `name` is
+    // for messages.
     static PrivateKey from_pem(const SecretBytes& pem, Passphrase& passphrase,
                                const std::string& name);
 
-    // PKCS#8, encrypted with a key that scrypt derives when there is a passphrase.
+    // Returns PKCS#8 in PEM. With a passphrase the key is encrypted (PBES2 with scrypt).
     SecretBytes to_pem(const SecretBytes* passphrase) const;
     DomainNumbers domain() const;
     PublicKeyBlob public_key() const;
-    // Signs a finished digest in the built-in domain. libcrypto and the library's own code have
-    // verified what this returns: a fault in the processor, the memory or the key would otherwise
-    // put a signature out that gives the private key away.
+    // Signs a finished digest in the built-in domain. libcrypto and the library's own code verify
+    // the signature first. A signature made with a fault of the processor, the memory or the key
+    // would reveal the private key.
     SignatureBlob sign(const HASH_CTX& digest) const;
 
 private:
@@ -40,14 +41,14 @@ private:
     Handle key_;
 };
 
-// Reads a private key of any domain, and warns when others than its owner may read it.
+// Reads a private key of any domain. Prints a warning if other users may read the file.
 PrivateKey read_private_key(InputFile& file, Passphrase& passphrase);
 
 // Reads a private key of the built-in domain.
 PrivateKey read_own_private_key(const std::string& name, Passphrase& passphrase);
 
-// Throws when the public key NAME.pub beside the private key NAME exists and is not that of `key`:
-// a damaged private key in PKCS#8 is in order by itself, because y is computed from x.
-void require_match_beside(const PrivateKey& key, const std::string& name);
+// Throws Failure if the file NAME.pub exists and is not the public key of `key`. Without NAME.pub,
+// a damaged x is not detected: PKCS#8 contains no y, so y is computed from x.
+void require_matching_public_key(const PrivateKey& key, const std::string& name);
 
 #endif

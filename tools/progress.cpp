@@ -7,7 +7,7 @@
 namespace {
 
 constexpr int kMiBBits = 20;
-constexpr std::uint64_t kLongBytes = 16 << kMiBBits;  // a shorter file is read too fast for a line
+constexpr std::uint64_t kLongBytes = 16 << kMiBBits;  // shorter files need no progress
 
 }  // namespace
 
@@ -27,7 +27,7 @@ void Progress::show(std::uint64_t bytes_done) {
 
 void Progress::rewrite(const std::string& line) {
     if (line == shown_) return;
-    // Spaces overwrite the end of a longer line; not every terminal has an escape sequence for it.
+    // Overwrite the end of a longer line with spaces. Some terminals cannot erase a line.
     const std::size_t width = shown_.size();
     std::fprintf(stderr, "\r%-*s\r%s", static_cast<int>(width), line.c_str(), line.c_str());
     shown_ = line;

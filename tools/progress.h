@@ -1,14 +1,14 @@
-// How much of a long file has been read, on a terminal and nowhere else.
+// Shows on a terminal how much of a long file has been read.
 #ifndef KTBASE_TOOLS_PROGRESS_H
 #define KTBASE_TOOLS_PROGRESS_H
 
 #include <cstdint>
 #include <string>
 
-// One line of standard error, rewritten in place and gone when the object is.
+// One line of standard error. It is rewritten in place, and the destructor erases it.
 class Progress {
 public:
-    explicit Progress(std::uint64_t size);  // 0: unknown, as a pipe's is
+    explicit Progress(std::uint64_t size);  // 0: not known, as for a pipe
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress();

@@ -7,25 +7,25 @@ namespace {
 
 Number power(const BIGNUM* base, const BIGNUM* exponent, const BIGNUM* p) {
     Number result = number();
-    must(BN_mod_exp(result.get(), base, exponent, p, number_context().get()));
+    checked(BN_mod_exp(result.get(), base, exponent, p, number_context().get()));
     return result;
 }
 
 // Returns y^(2^40) mod p.
 Number next_power(const BIGNUM* y, const BIGNUM* p) {
     const Number step = number(1);
-    must(BN_lshift(step.get(), step.get(), kChunkBits));
+    checked(BN_lshift(step.get(), step.get(), kChunkBits));
     return power(y, step.get(), p);
 }
 
-// Returns the number whose Montgomery form is `form`.
-Number out_of_form(const BIGNUM* form, const BIGNUM* p) {
+// Converts `form` from Montgomery form.
+Number from_montgomery_form(const BIGNUM* form, const BIGNUM* p) {
     const NumberContext context = number_context();
     const Number shift = number(1);
-    must(BN_lshift(shift.get(), shift.get(), kBitsP));
-    const Number inverse(must(BN_mod_inverse(nullptr, shift.get(), p, context.get())));
+    checked(BN_lshift(shift.get(), shift.get(), kBitsP));
+    const Number inverse(checked(BN_mod_inverse(nullptr, shift.get(), p, context.get())));
     Number result = number();
-    must(BN_mod_mul(result.get(), form, inverse.get(), p, context.get()));
+    checked(BN_mod_mul(result.get(), form, inverse.get(), p, context.get()));
     return result;
 }
 
@@ -37,13 +37,13 @@ PublicKeyBlob read_public_key(const std::string& name) {
 
 PublicKeyBlob public_key_of(const BIGNUM* y, const BIGNUM* p) {
     const NumberContext context = number_context();
-    Number current(must(BN_dup(y)));
+    Number current(checked(BN_dup(y)));
     PublicKeyBlob key;
     for (int j = 0; j < kChunks; ++j) {
         const Number form = number();
-        must(BN_lshift(form.get(), current.get(), kBitsP));
-        must(BN_mod(form.get(), form.get(), p, context.get()));
-        must(BN_bn2lebinpad(form.get(), &key[kBytesP * j], kBytesP) == kBytesP);
+        checked(BN_lshift(form.get(), current.get(), kBitsP));
+        checked(BN_mod(form.get(), form.get(), p, context.get()));
+        checked(BN_bn2lebinpad(form.get(), &key[kBytesP * j], kBytesP) == kBytesP);
         current = next_power(current.get(), p);
     }
     return key;
@@ -57,10 +57,10 @@ std::string unsoundness(const PublicKeyBlob& key) {
         if (BN_cmp(component[j].get(), p) >= 0)
             return "component " + std::to_string(j) + " is not below p";
     }
-    const Number y = out_of_form(component[0].get(), p);
+    const Number y = from_montgomery_form(component[0].get(), p);
     if (BN_is_zero(y.get()) == 1 || BN_is_one(y.get()) == 1) return "y is not above 1";
     if (BN_is_one(power(y.get(), built_in_domain().q.get(), p).get()) == 0) return "y^q is not 1";
-    // The components are below p by now, so each has one encoding.
+    // Each component is below p, so its encoding is unique.
     return public_key_of(y.get(), p) == key ? "" : "its components are not 2^40 powers apart";
 }
 

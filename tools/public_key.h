@@ -1,4 +1,4 @@
-// Public keys in the encoding that the library verifies with.
+// Public keys in the encoding of the library.
 #ifndef KTBASE_TOOLS_PUBLIC_KEY_H
 #define KTBASE_TOOLS_PUBLIC_KEY_H
 
@@ -14,9 +14,9 @@ PublicKeyBlob read_public_key(const std::string& name);  // throws Failure
 
 PublicKeyBlob public_key_of(const BIGNUM* y, const BIGNUM* p);
 
-// Returns why no honest signer makes such a key in the built-in domain, or "" for a sound key. The
-// library verifies with any key: one of components equal to p accepts the r of 1 over every file,
-// and with y = 1 everybody can sign.
+// Returns the reason why a key is not sound in the built-in domain, or "" for a sound key. The
+// library accepts any key. If all components are p, a signature with r = 1 matches every file. If y
+// is 1, everybody can sign.
 std::string unsoundness(const PublicKeyBlob& key);
 
 std::string fingerprint(const PublicKeyBlob& key);  // SHA-256 in hexadecimal

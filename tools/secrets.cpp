@@ -13,7 +13,8 @@ namespace {
 constexpr std::size_t kSecureHeapBytes = 1 << 18;  // far below the usual limit of locked memory
 constexpr std::size_t kSmallestBlock = 32;
 
-// The ordinary heap of libcrypto, which would leave a key's encoding in memory that it releases.
+// The ordinary heap of libcrypto. libcrypto's default functions do not cleanse released memory,
+// which may contain the encoding of a key.
 void* allocate(std::size_t size, const char* /*file*/, int /*line*/) {
     return std::malloc(size);
 }

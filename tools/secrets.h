@@ -1,4 +1,4 @@
-// Memory for passphrases and private keys, and a process that leaves none of them behind.
+// Protection of passphrases and private keys in memory.
 #ifndef KTBASE_TOOLS_SECRETS_H
 #define KTBASE_TOOLS_SECRETS_H
 
@@ -8,13 +8,13 @@
 #include <new>
 #include <vector>
 
-// Turns core dumps off and keeps other processes of the user from reading this one's memory. Makes
-// libcrypto cleanse what it releases, and sets up its secure heap, which is locked in memory where
-// the limits allow it. Comes before every other use of libcrypto.
+// Disables core dumps, and prevents other processes of the user from reading the memory of this
+// one. Makes libcrypto cleanse released memory. Sets up libcrypto's secure heap, which is locked in
+// memory if the limits allow it. Requires that libcrypto has not been used before.
 void protect_process();
 
-// Takes memory from the secure heap, or from the ordinary one when that is full, and cleanses it
-// before it is released.
+// Allocates from the secure heap, or from the ordinary heap if the secure heap is full. Cleanses
+// the memory before its release.
 template <class T>
 struct SecretAllocator {
     using value_type = T;

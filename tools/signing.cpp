@@ -16,7 +16,7 @@ public:
         : line_(line),
           passphrase_(line.passphrase_fd),
           key_(read_own_private_key(line.operands[0], passphrase_)) {
-        require_match_beside(key_, line.operands[0]);
+        require_matching_public_key(key_, line.operands[0]);
         protect(line.operands[0] + ".pub");
         for (const std::string& input : line.operands) protect(input);
         names_.insert(line.operands.begin(), line.operands.end());
@@ -31,7 +31,7 @@ public:
     }
 
 private:
-    // A missing file is refused when it is read.
+    // sign() reports a missing file.
     void protect(const std::string& input) {
         if (input == "-") return;
         try {
@@ -39,7 +39,7 @@ private:
         } catch (const Failure&) {  // NOLINT(bugprone-empty-catch)
         }
     }
-    // An operand that does not exist yet is an input by its name.
+    // An operand that does not exist has no identity. Its name is compared.
     bool is_input(const std::string& name, const OutputFile& output) const {
         if (name == "-") return false;  // standard output
         return names_.contains(name) || (output.identity() && inputs_.contains(*output.identity()));
@@ -66,7 +66,7 @@ int sign(const CommandLine& line) {
         try {
             signer.sign(line.operands[i]);
         } catch (const Failure& failure) {
-            complain(failure.what());
+            print_error(failure.what());
             status = kFailed;
         }
     }

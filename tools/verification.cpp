@@ -47,7 +47,7 @@ int verify(const CommandLine& line) {
             status =
                 std::max(status, verify_file(key, file, line.signature.value_or(file + ".sig")));
         } catch (const Failure& failure) {
-            complain(failure.what());
+            print_error(failure.what());
             status = kFailed;
         }
     }

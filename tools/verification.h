@@ -7,7 +7,7 @@
 #include "private_key.h"
 #include "public_key.h"
 
-// Returns why the signature is refused, or "" for a valid one.
+// Returns the reason why the signature is not valid, or "" for a valid signature.
 std::string refusal(PublicKeyBlob key, SignatureBlob signature, HASH_CTX digest);
 
 #endif
