@@ -78,13 +78,12 @@ struct Steps {
 
 constexpr std::uint32_t kMaxFactor = 0xFFFF;
 
-// Finds steps from the heads of a and b: the 32 bits of each below the highest bit of a. Takes a
-// step only if the heads prove that it is also the next step for a and b. Keeps x2 + y2 <=
-// kMaxFactor.
-Steps find_steps(std::uint32_t head_a, std::uint32_t head_b) {
+// Finds steps from the leading 32 bits of a, and the bits of b at the same place. Takes a step only
+// if these bits prove that it is also the next step for a and b. Keeps x2 + y2 <= kMaxFactor.
+Steps find_steps(std::uint32_t leading_a, std::uint32_t leading_b) {
     Steps s;
-    std::uint32_t r1 = head_a;
-    std::uint32_t r2 = head_b;
+    std::uint32_t r1 = leading_a;
+    std::uint32_t r2 = leading_b;
     while (r2 != 0) {
         const std::uint32_t quotient = r1 / r2;
         if (quotient > kMaxFactor) break;
@@ -93,7 +92,7 @@ Steps find_steps(std::uint32_t head_a, std::uint32_t head_b) {
         const std::uint32_t x = s.x1 + quotient * s.x2;
         const std::uint32_t y = s.y1 + quotient * s.y2;
         if (x > kMaxFactor || y > kMaxFactor - x) break;
-        // Jebelean's condition. In units of the heads' lowest bit, the true remainder is above
+        // Jebelean's condition. In units of the lowest of these bits, the true remainder is above
         // rest - y and below rest + x where its index is even, and above rest - x and below rest +
         // y where its index is odd. The first comparison proves that the true remainder is
         // positive, the second one that it is less than the remainder before it.
