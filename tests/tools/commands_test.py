@@ -148,6 +148,7 @@ class Commands(Test):
 
     def test_a_new_passphrase_is_typed_twice(self):
         self.assertEqual(0, on_a_terminal("new-key", "--encrypt", "locked", typed="one\none\n")[0])
+        self.assertEqual(0, on_a_terminal("sign", "locked", "file", typed="one\n")[0])
         self.assertEqual(0, with_passphrase("one", "sign", "locked", "file").returncode)
         self.assertEqual(2, with_passphrase("two", "sign", "locked", "file").returncode)
         self.assertEqual(2, with_passphrase("one" * 200, "sign", "locked", "file").returncode)
