@@ -136,13 +136,13 @@ void warn_when_others_may_read(const InputFile& file) {
 }  // namespace
 
 PrivateKey PrivateKey::generate() {
-    const DomainNumbers& domain = built_in_domain();
+    const DomainNumbers& built_in = built_in_domain();
     const Number x = random_private_number();
     const Number y = public_number(x);
     const ParamBuilder builder(checked(OSSL_PARAM_BLD_new()));
-    checked(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_FFC_P, domain.p.get()) == 1);
-    checked(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_FFC_Q, domain.q.get()) == 1);
-    checked(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_FFC_G, domain.g.get()) == 1);
+    checked(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_FFC_P, built_in.p.get()) == 1);
+    checked(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_FFC_Q, built_in.q.get()) == 1);
+    checked(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_FFC_G, built_in.g.get()) == 1);
     checked(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_PUB_KEY, y.get()) == 1);
     checked(OSSL_PARAM_BLD_push_BN(builder.get(), OSSL_PKEY_PARAM_PRIV_KEY, x.get()) == 1);
     const Params params(checked(OSSL_PARAM_BLD_to_param(builder.get())));
