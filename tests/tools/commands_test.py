@@ -58,6 +58,10 @@ class Commands(Test):
         self.does("sign", "key", "file")
         self.assertEqual((owner, 0o100640), (os.stat("file.sig").st_uid, os.stat("file.sig").st_mode))
 
+    def test_new_files_have_the_permissions_of_the_umask(self):
+        self.does("sign", "key", "file", "key.pub", umask=0o027)
+        self.assertEqual([0o100640] * 2, [os.stat(name).st_mode for name in ["file.sig", "key.pub.sig"]])
+
     def test_standard_output_is_written_through(self):
         with open("collected", "wb") as collected:
             for _ in range(2):
@@ -150,7 +154,8 @@ class Commands(Test):
         self.assertEqual(0, on_a_terminal("new-key", "--encrypt", "locked", typed="one\none\n")[0])
         self.assertEqual(0, on_a_terminal("sign", "locked", "file", typed="one\n")[0])
         self.assertEqual(0, with_passphrase("one", "sign", "locked", "file").returncode)
-        self.assertEqual(2, with_passphrase("two", "sign", "locked", "file").returncode)
+        self.assertEqual("ktsign: locked: wrong passphrase, or a damaged key\n",
+                         with_passphrase("two", "sign", "locked", "file").stderr)
         self.assertEqual(2, with_passphrase("one" * 200, "sign", "locked", "file").returncode)
         self.assertEqual(2, on_a_terminal("new-key", "--encrypt", "other", typed="one\ntwo\n")[0])
         self.assertFalse(os.path.exists("other"))
