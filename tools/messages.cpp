@@ -9,6 +9,7 @@
 
 std::string quoted(const std::string& name, const std::string& dash) {
     if (name == "-") return dash;
+    if (name.empty()) return "\"\"";
     std::string text;
     std::mbstate_t state{};
     for (std::size_t at = 0; at < name.size();) {

@@ -6,7 +6,7 @@
 #include <string>
 
 // Quotes a file name for a message. A byte that is not part of a printable character of the locale
-// becomes \xHH, a backslash is doubled, and "-" becomes `dash`.
+// becomes \xHH, a backslash is doubled, "-" becomes `dash`, and an empty name two quotes.
 std::string quoted(const std::string& name, const std::string& dash = "standard input");
 
 // An error message of one line: the file and the reason.

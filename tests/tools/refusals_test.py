@@ -36,6 +36,7 @@ REFUSALS = {
     "ktsign: new: the passphrase is empty": "new-key --encrypt --passphrase-fd 0 new",
     "ktsign: nowhere/new: No such file or directory": "new-key nowhere/new",
     "ktsign: none: No such file or directory": "sign none file",
+    'ktsign: "": No such file or directory': "show ",
     "ktsign: line\\x0aend: No such file or directory": "show line\nend",
     "ktsign: \\xffÿ\\\\: No such file or directory": "show \udcffÿ\\",
     "ktsign: half.pub: Is a directory": "sign key half.pub",
