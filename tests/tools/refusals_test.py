@@ -26,7 +26,6 @@ REFUSALS = {
     "ktsign: -none: No such file or directory": "sign key -- -none",
     "ktsign: -key: not an option; write ./-key for a file of this name": "sign -key file",
     "ktsign: --passphrase-fd: not a descriptor: 1x": "show key --passphrase-fd 1x",
-    "ktsign: --passphrase-fd: not a descriptor: one": "show key --passphrase-fd one",
     "ktsign: --passphrase-fd: not a descriptor: -1": "show key --passphrase-fd=-1",
     "ktsign: key: File exists": "new-key key",
     "ktsign: half.pub: File exists": "new-key half",
