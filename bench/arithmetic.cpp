@@ -104,7 +104,7 @@ void bench_arithmetic(const Peers& peers) {
     if (bench_verification(peers))
         bench_inversion(peers);
     else
-        std::puts("verification, inversion: left out, the library has another domain");
+        std::puts("verification, inversion: left out; the library has another domain");
     bench_product(peers, "product 512 bit", kExample.g, kExample.y, kExample.p);
     bench_product(peers, "product 160 bit", fips186::kR, fips186::kS, fips186::kQ);
 }

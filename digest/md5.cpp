@@ -12,7 +12,8 @@ static_assert(sizeof(vantu::MD5_CTX) == sizeof(MD5_CTX));
 static_assert(offsetof(vantu::MD5_CTX, count) == offsetof(MD5_CTX, count) &&
               offsetof(vantu::MD5_CTX, buffer) == offsetof(MD5_CTX, buffer));
 
-// The words of the record lie in memory as the bytes of the message, the length and the digest.
+// The message, the length and the digest consist of little-endian words, so words are copied as
+// they lie in memory.
 static_assert(std::endian::native == std::endian::little);
 
 namespace {
@@ -172,7 +173,7 @@ void MD5Final(unsigned char* digest, MD5_CTX* ctx) {
     MD5Update(ctx, kPadding, (used < 56 ? 56 : 120) - used);
     MD5Update(ctx, length, kLengthBytes);
     std::memcpy(digest, ctx->state, kDigestBytes);
-    explicit_bzero(ctx, sizeof *ctx);  // the compiler may drop a memset that nothing reads
+    explicit_bzero(ctx, sizeof *ctx);  // the compiler may drop a memset whose result is not read
 }
 
 namespace vantu {

@@ -2,9 +2,9 @@
 //
 //     daily_directory 1000000000 'open "my log.txt" append'
 //
-// Shows how to set the clock, convert a local date, create a chain of directories, make the full
+// Shows how to pin the clock, convert a local date, create a chain of directories, make the full
 // path of a file in the program's directory, and split a command line. If SECONDS is 0, the clock
-// runs.
+// is not pinned.
 #include <ktbase/platform.h>
 
 #include <cerrno>

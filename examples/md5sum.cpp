@@ -1,7 +1,6 @@
 // Prints the MD5 of files in the format of md5sum, with the same escapes in names.
 //
-//   md5sum [FILE]...    "-", and no FILE, is standard input; exit status: 0, or 1 when a file
-//   failed
+//   md5sum [FILE]...    "-" or no FILE: standard input; exit status: 0, or 1 when a file failed
 #include <fcntl.h>
 #include <ktbase/digest.h>
 #include <ktbase/platform.h>

@@ -1,6 +1,7 @@
 // Verifies a file that fits in memory, with one read and one call.
 //
-// As in verify_file, `ktsign show PUB` prints the fingerprint of the key.
+// The library accepts any key. `ktsign show PUB` prints whether the key is sound, and its
+// fingerprint for a comparison with the vendor's.
 //
 //   verify_buffer PUB FILE SIG    exit status: 0 valid, 1 not valid, 2 something else went wrong
 #include <fcntl.h>

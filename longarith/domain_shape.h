@@ -12,15 +12,15 @@ constexpr short kBytesQ = kBitsQ / 8;
 constexpr short kLimbsP = kBitsP / kLimbBits;
 constexpr short kLimbsQ = kBitsQ / kLimbBits;
 
-// An exponent is the sum of chunk_j * 2^(kChunkBits * j). A base therefore consists of kChunks
-// numbers, base^(2^(kChunkBits * j)).
+// An exponent is the sum of chunk_j * 2^(kChunkBits * j). A base is therefore stored as kChunks
+// numbers: base^(2^(kChunkBits * j)) for each j.
 constexpr int kChunks = 4;
 constexpr short kChunkBits = 40;
 constexpr int kChunkBytes = kChunkBits / 8;
 static_assert(kChunks * kChunkBits == kBitsQ);
 
-// Windows of the exponents of g and of y. A table of powers holds the odd powers that a window of
-// this width can select: 2^(width - 1) for each chunk.
+// The widths of the windows of the exponents of g and of y. For each chunk, a table of powers holds
+// the 2^(width - 1) odd powers that a window can select.
 constexpr short kWindowG = 5;
 constexpr short kWindowY = 2;
 constexpr int kPowersG = 1 << (kWindowG - 1);

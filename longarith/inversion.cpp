@@ -121,8 +121,8 @@ struct Quotient {
 
 // Returns a part that is not above the quotient. Requires a > b > 0.
 Quotient underestimate(const Unsigned160& a, const Unsigned160& b) {
-    // Both numbers are taken shifted up by the leading zeros of b. Then the top limb of b is
-    // divisor - 1, from 2^15 to 2^16 - 1, and a may have a limb more.
+    // Shift both numbers left by the number of leading zero bits of b. Then the top limb of b is
+    // divisor - 1, from 2^15 to 2^16 - 1, and a may have one more limb.
     const int top_a = a.size - 1;
     const int top_b = b.size - 1;
     const int shift = std::countl_zero(b.limb[top_b]);

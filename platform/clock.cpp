@@ -1,4 +1,4 @@
-// The clock, local dates, sleep, and two text services under one name for every platform.
+// The clock, local dates, sleep, the conversion of a number, and the copy of a text.
 #include <ktbase/platform.h>
 #include <unistd.h>
 

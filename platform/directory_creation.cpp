@@ -23,7 +23,7 @@ struct FreePreservingErrno {
 
 // Returns the first position at which the path may be cut.
 std::size_t scan_start(const char* path) {
-    // The server name follows these two. The path may be cut at the backslash after the name.
+    // After two backslashes the server name follows. The path may be cut at the backslash after it.
     if (path[0] == kSeparator && path[1] == kSeparator) return 2;
     const bool has_drive = path[1] == ':' && path[2] == kSeparator;
     return has_drive ? 3 : 0;

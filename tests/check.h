@@ -1,5 +1,5 @@
 // Shared by the models. A model checks the library on given values, and throws if a result differs.
-// Tests call a model with named values, fuzzers with drawn values.
+// Tests call a model with named values, fuzzers with values from their input.
 #ifndef KTBASE_TESTS_CHECK_H
 #define KTBASE_TESTS_CHECK_H
 

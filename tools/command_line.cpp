@@ -10,7 +10,7 @@
 #include "messages.h"
 
 const char kUsage[] =
-    "usage: ktsign new-domain FILE            make p, q and g for a library of your own\n"
+    "usage: ktsign new-domain FILE            make a domain of your own: p, q and g\n"
     "       ktsign new-key [--encrypt] KEY    make a key pair: KEY (private) and KEY.pub (public)\n"
     "       ktsign public-key KEY PUB         write the public key of KEY to PUB\n"
     "       ktsign sign [-o SIG] KEY FILE...  write the signature of each FILE to FILE.sig, or "
@@ -22,9 +22,9 @@ const char kUsage[] =
     "  -s, --signature SIG    verify the one FILE with SIG\n"
     "      --encrypt          encrypt the private key with a passphrase\n"
     "      --passphrase-fd N  read the passphrase from descriptor N, not from the terminal\n"
-    "      --force            replace an existing output, whatever it is\n"
-    "As FILE, SIG or an input, - is standard input or output. The man page, ktsign(1), says "
-    "more.\n";
+    "      --force            replace an existing output file of any size\n"
+    "The file name - is standard input or output. The man page, ktsign(1), describes the "
+    "details.\n";
 
 namespace {
 
@@ -61,7 +61,7 @@ int parse_descriptor(const std::string& text) {
     return fd;
 }
 
-// Values of options without a short option.
+// Values that getopt_long returns for an operand, and for options without a short form.
 enum : int { kOperand = 1, kEncrypt = 256, kForce, kPassphraseFd, kVersion };
 
 const option kOptions[] = {{"output", required_argument, nullptr, 'o'},
@@ -164,13 +164,13 @@ void require_valid(const CommandLine& line, std::vector<std::string> options) {
     if (line.operands.size() < command.least || line.operands.size() > command.most)
         throw Failure(line.command + ": takes " + command.operands + kMore);
     if ((line.output || line.signature) && line.operands.size() != 2)
-        throw Failure(line.command + ": one signature is for one FILE" + kMore);
+        throw Failure(line.command + ": SIG requires exactly one FILE" + kMore);
     // PUB is the only output among the operands.
     const auto inputs_end = line.operands.end() - (line.command == "public-key" ? 1 : 0);
     if (std::count(line.operands.begin(), inputs_end, "-") + (line.signature == "-" ? 1 : 0) > 1)
         throw Failure(line.command + ": standard input is named more than once");
     if (line.command == "new-key" && line.passphrase_fd && !line.encrypt)
-        throw Failure(line.command + ": --passphrase-fd is for --encrypt" + kMore);
+        throw Failure(line.command + ": --passphrase-fd requires --encrypt" + kMore);
 }
 
 }  // namespace

@@ -14,8 +14,8 @@ namespace {
 
 constexpr mode_t kOthers = S_IRWXG | S_IRWXO;
 
-// True for a private key without a public key, which SIGKILL leaves between the creation of the
-// two. False for a file of another user, and for a file that others have access to.
+// True for a private key without a public key. A SIGKILL between the creations of the two files
+// leaves such a key. False for a file of another user, and for a file that others have access to.
 bool lacks_public_key(const std::string& private_name) {
     struct stat status;
     if (name_exists(private_name + ".pub") || lstat(private_name.c_str(), &status) == -1)
@@ -32,8 +32,8 @@ void complete_key_pair(const std::string& private_name, Passphrase& passphrase) 
     const std::string public_name = private_name + ".pub";
     const PrivateKey key = read_own_private_key(private_name, passphrase);
     public_key_output(public_name, false).write(key.public_key());
-    print_error(quoted(private_name) + ": existed without " + quoted(public_name) +
-                "; kept, and the public key made from it");
+    print_error(quoted(private_name) + ": kept; made the missing " + quoted(public_name) +
+                " from it");
 }
 
 }  // namespace
@@ -71,10 +71,10 @@ int public_key(const CommandLine& line) {
     const std::string& output_name = line.operands[1];
     const OutputFile output = public_key_output(output_name, line.force);
     if (name != "-" && output.identity() && output.identity() == file_identity(name))
-        throw Failure(output_name, "would be overwritten, it is an input");
+        throw Failure(output_name, "is an input and would be overwritten");
     Passphrase passphrase(line.passphrase_fd);
     const PrivateKey key = read_own_private_key(name, passphrase);
-    // The public key that is replaced does not have to match.
+    // KEY.pub does not have to match if this command replaces it.
     const bool replaces_other =
         output.identity() && output.identity() == file_identity(name + ".pub");
     if (!replaces_other || !(line.force || output.is_empty()))

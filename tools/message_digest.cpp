@@ -14,7 +14,7 @@ constexpr std::size_t kPieceBytes = 1 << 16;
 constexpr std::uint64_t kTooLong = std::uint64_t{1} << 29;
 
 void require_digestible(const InputFile& file, std::uint64_t size) {
-    if (size >= kTooLong) throw Failure(file.name(), "too long, the limit is 2^29 - 1 bytes");
+    if (size >= kTooLong) throw Failure(file.name(), "too long; the limit is 2^29 - 1 bytes");
 }
 
 }  // namespace

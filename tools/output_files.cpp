@@ -205,7 +205,7 @@ OutputFile::State OutputFile::query() const {
     }
     if (S_ISLNK(status.st_mode)) {
         if (stat(name_.c_str(), &status) == -1) {
-            if (errno == ENOENT) throw Failure(name_, "a link that leads to no file");
+            if (errno == ENOENT) throw Failure(name_, "a symbolic link without a target");
             fail_with_errno(name_);
         }
         std::error_code error;

@@ -1,5 +1,5 @@
 // Files that ktsign writes. A file is synced before it gets its name, and its directory afterwards,
-// so a file is on the disk when a function returns. A reader sees the old content or the new
+// so a file is on the disk when a function returns. Other programs read the old content or the new
 // content, never a part. Signals are blocked while files are written: after a signal, both keys of
 // a pair exist or neither does, and no temporary file remains.
 #ifndef KTBASE_TOOLS_OUTPUT_FILES_H
@@ -29,7 +29,7 @@ std::optional<FileIdentity> file_identity(const std::string& name);
 // The files that an output may replace.
 struct Replacement {
     std::string kind;           // for messages
-    std::optional<off_t> size;  // replaces files of this size; nothing: only empty files
+    std::optional<off_t> size;  // files of this size and empty files are replaced
     bool forced = false;        // any regular file
 };
 

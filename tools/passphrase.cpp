@@ -39,7 +39,7 @@ SecretBytes prompt_for(const std::string& key_name, bool twice) {
     if (EVP_read_pw_string(reinterpret_cast<char*>(text.data()), static_cast<int>(text.size()),
                            prompt.c_str(), twice ? 1 : 0) != 0) {
         ERR_clear_error();
-        throw Failure(key_name, twice ? "no passphrase was entered twice alike"
+        throw Failure(key_name, twice ? "the same passphrase was not entered twice"
                                       : "no passphrase was entered");
     }
     text.resize(static_cast<std::size_t>(std::find(text.begin(), text.end(), 0) - text.begin()));

@@ -130,7 +130,7 @@ void warn_when_others_may_read(const InputFile& file) {
     const mode_t others = S_IRGRP | S_IROTH;
     if (file.size() && (file.status().st_mode & others) != 0)
         print_error(quoted(file.name()) +
-                    ": warning: others than its owner may read this private key");
+                    ": warning: users other than its owner may read this private key");
 }
 
 }  // namespace

@@ -29,9 +29,9 @@ public:
     SecretBytes to_pem(const SecretBytes* passphrase) const;
     DomainNumbers domain() const;
     PublicKeyBlob public_key() const;
-    // Signs a finished digest in the built-in domain. libcrypto and the library's own code verify
-    // the signature first. A signature made with a fault of the processor, the memory or the key
-    // would reveal the private key.
+    // Signs a finished digest in the built-in domain. Before the signature is returned, libcrypto
+    // and the library's own code verify it. A signature made with a fault of the processor, the
+    // memory or the key would reveal the private key.
     SignatureBlob sign(const HASH_CTX& digest) const;
 
 private:

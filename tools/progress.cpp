@@ -19,7 +19,7 @@ Progress::~Progress() {
 
 void Progress::show(std::uint64_t bytes_done) {
     if (!terminal_ || bytes_done < kLongBytes) return;
-    // The file may have grown since.
+    // The size of a pipe is not known, and a file may have grown since it was opened.
     const std::string done = bytes_done <= size_ ? std::to_string(100 * bytes_done / size_) + " %"
                                                  : std::to_string(bytes_done >> kMiBBits) + " MiB";
     rewrite("ktsign: " + done + " read");

@@ -61,7 +61,7 @@ std::string unsoundness(const PublicKeyBlob& key) {
     if (BN_is_zero(y.get()) == 1 || BN_is_one(y.get()) == 1) return "y is not above 1";
     if (BN_is_one(power(y.get(), built_in_domain().q.get(), p).get()) == 0) return "y^q is not 1";
     // Each component is below p, so its encoding is unique.
-    return public_key_of(y.get(), p) == key ? "" : "its components are not 2^40 powers apart";
+    return public_key_of(y.get(), p) == key ? "" : "its components are not powers of one y";
 }
 
 std::string fingerprint(const PublicKeyBlob& key) {

@@ -16,7 +16,7 @@ PublicKeyBlob public_key_of(const BIGNUM* y, const BIGNUM* p);
 
 // Returns the reason why a key is not sound in the built-in domain, or "" for a sound key. The
 // library accepts any key. If all components are p, a signature with r = 1 matches every file. If y
-// is 1, everybody can sign.
+// is 1, anyone can sign.
 std::string unsoundness(const PublicKeyBlob& key);
 
 std::string fingerprint(const PublicKeyBlob& key);  // SHA-256 in hexadecimal

@@ -26,12 +26,12 @@ public:
         const OutputFile output(output_name(file),
                                 {"a signature", sizeof(SignatureBlob), line_.force});
         if (is_input(output_name(file), output))
-            throw Failure(output_name(file), "would be overwritten, it is an input");
+            throw Failure(output_name(file), "is an input and would be overwritten");
         output.write(key_.sign(digest_file(file)));
     }
 
 private:
-    // sign() reports a missing file.
+    // Ignores errors: sign() reports them when it reads the file.
     void protect(const std::string& input) {
         if (input == "-") return;
         try {

@@ -89,8 +89,7 @@ int GetBufferMD5(unsigned char* digest, const unsigned char* input, unsigned len
 }  // extern "C"
 
 // Pads the message, writes the 16-byte digest to `digest`, and sets the whole record to zero. The
-// digest is state[0] to state[3], each least significant byte first. The function's symbol carries
-// its argument types.
+// digest is state[0] to state[3], each least significant byte first. The function has C++ linkage.
 // `digest` must not overlap `*ctx`.
 void MD5Final(unsigned char* digest, MD5_CTX* ctx);
 

@@ -5,7 +5,7 @@
 // passed as a pointer to limb 0. The count of limbs is another argument, or fixed by the function.
 // As a byte string a number is little-endian: limb i is bytes 2i (low half) and 2i+1 (high half).
 //
-// Montgomery form: a modulus m is an odd number of n limbs, and R = 2^(16n). The Montgomery
+// Montgomery form: a modulus m is odd and has n limbs, and R = 2^(16n). The Montgomery
 // constant of m is m' = -1/m mod 2^16. The Montgomery form of x is x*R mod m.
 //
 // Constant data: an argument is only read, unless its function's comment says that it is written.
@@ -61,8 +61,8 @@ void privLAN(unsigned short* a, unsigned short* m, unsigned short mont, short na
 // ---- Powers modulo the built-in p, inverses modulo the built-in q -------------------------------
 
 // Finds the next sliding window of the exponent `e` (little-endian bytes) below bit *pos. The
-// window's highest bit is the highest bit set there. The window is at most `w` bits wide, and its
-// lowest bit is set. `*pos` and `*win` are written:
+// window's highest bit is the highest bit set below *pos. The window is at most `w` bits wide, and
+// its lowest bit is set. `*pos` and `*win` are written:
 //   window found              *pos is the position of its lowest bit, *win is (v - 1)/2, where v is
 //                             the window's odd value;
 //   no bit set below *pos     *pos is -1, *win keeps its value;

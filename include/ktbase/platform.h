@@ -31,7 +31,8 @@ struct dirent64;  // the 64-bit directory entry of <dirent.h>
 // ---- Files ------------------------------------------------------------------------------------
 
 // The file descriptor of the operating system; -1 is the invalid handle. Handles are counted, not
-// tracked: read, write, seek and length take any descriptor, also one that was opened elsewhere.
+// tracked: read, write, seek and length take any descriptor, including one that was opened
+// elsewhere.
 using KtFileHandle = std::int32_t;
 
 extern "C" {
@@ -50,8 +51,8 @@ extern std::int32_t SYS_MAXFILES;
 // system call, if SYS_OPENFILES >= SYS_MAXFILES.
 // With O_CREAT but without O_LARGEFILE in the flags, an existing file of 2 GiB or more is not
 // opened (EOVERFLOW), and the handle cannot write beyond 2 GiB - 1 (EFBIG in KtWriteFile).
-// `extra` must not contain O_CREAT, and neither argument O_TMPFILE: the file would be created
-// without a defined mode.
+// `extra` must not contain O_CREAT. Neither `flags` nor `extra` may contain O_TMPFILE. In both
+// cases the file would be created without a defined mode.
 KtFileHandle KtOpenFile(const char* path, int flags, int extra, int unused);
 
 // Reads up to `size` bytes at the descriptor's position into `buffer`, with one read(2). An
@@ -162,8 +163,9 @@ public:
     Dirent(const Dirent&) = delete;
     Dirent& operator=(const Dirent&) = delete;
 
-    // Builds `lastName` for the current entry. Returns 1. Returns 0 if there is no memory; `error`
-    // is then ENOMEM and `lastName` is null.
+    // Builds `lastName` for the current entry. Returns 1. Returns 0, with `lastName` null, if there
+    // is no current entry or `dir` is null, or if there is no memory; in the last case `error` is
+    // ENOMEM.
     int setLastName();
 
     // Builds `lastName` and sets `isLink`, `size`, `attr`, `targetAttr` and `error` for the current
@@ -204,8 +206,8 @@ KtFindHandle KtFindFirst(const char* pattern, Dirent** found);
 // Makes the next matching entry current. Does not skip "." and "..". Returns 0.
 // Returns -1 at the end of the directory, with errno unchanged, or if the directory cannot be read,
 // with errno set. The enumeration is then released: neither handle nor Dirent may be used again.
-// Invalid arguments return -1 with errno unchanged: the null handle, for which `found` is deleted;
-// the handle -1 and a null `found`, for which nothing is released.
+// Returns -1 with errno unchanged for invalid arguments: the null handle, for which `found` is
+// deleted; the handle -1 and a null `found`, for which nothing is released.
 int KtFindNext(KtFindHandle find, Dirent* found);
 
 // Returns 0 and releases nothing. Only KtFindNext ends an enumeration.
@@ -233,14 +235,14 @@ int KtMakeDirectory(const char* path);
 
 // Creates every missing directory on `path`, the last component included. Here the separator is the
 // backslash, and "/" is an ordinary character. Each directory's path is `path` itself, or `path`
-// cut off at a backslash. It goes to the system unchanged. The system separates at "/" alone:
+// cut off at a backslash. The system gets this path unchanged. The system separates at "/" alone:
 // "a\b" is one name in the current directory, beside "a". No backslash is dropped: a doubled or
 // trailing one makes a directory of its own.
 //
-// The path is not cut within its root. The root is the server's name if the path begins with two
-// backslashes, and the first component if it begins with a drive ("X:\", with any character for
-// X). A path that begins with a single backslash may be cut to the empty path, which is the current
-// directory.
+// The path is not cut within its root. If the path begins with two backslashes, they and the
+// server's name are the root. If the path begins with a drive ("X:\", with any character for X),
+// the drive and the first component after it are the root. A path that begins with a single
+// backslash may be cut to the empty path, which is the current directory.
 //
 // Each of these paths is queried with KtGetFileAttributes. If bFollowLinks is non-zero, a link to a
 // directory counts as a directory. If bFollowLinks is zero, no link does. A path whose query fails
@@ -265,7 +267,7 @@ int KtMakePath(const char* path);
 // to a string of libc, which the caller must neither change nor free.
 using KtLocalDate = std::tm;
 
-// The time that KtGetTime returns, if it is not 0. It is 0 at load. A host sets it to fix the
+// The time that KtGetTime returns, if it is not 0. It is 0 at load. A host sets it to pin the
 // clock. The library never sets it.
 extern std::int32_t starttime;
 
@@ -302,7 +304,7 @@ char* CopyTextString(char* destination, const char* source);
 // ---- Command line -----------------------------------------------------------------------------
 
 // A program's command line: its own path with backslashes, a text to split into words, and full
-// paths relative to the program. Every constructor sets pCmdLine to the object. Nothing resets
+// paths made from the program's path. Every constructor sets pCmdLine to the object. Nothing resets
 // pCmdLine: the object must live for as long as pCmdLine is used.
 //
 // Threads: MakeFullPath only reads the object; several threads may call it at the same time.

@@ -30,8 +30,9 @@ Limbs parse_number(const std::map<std::string, std::string>& numbers, const std:
     if (found == numbers.end()) throw DomainError("no line \"" + name + " = HEX\"");
     std::string digits = found->second;
     if (digits.size() > width || (exact && digits.size() < width))
-        throw DomainError(name + " has " + std::to_string(digits.size()) + " hexadecimal digits; " +
-                          (exact ? "" : "at most ") + std::to_string(width) + " are needed");
+        throw DomainError(name + " has " + std::to_string(digits.size()) +
+                          " hexadecimal digits; expected " + (exact ? "" : "at most ") +
+                          std::to_string(width));
     digits.insert(0, width - digits.size(), '0');
     Limbs limbs;
     for (std::size_t end = width; end != 0; end -= kDigitsPerLimb)
@@ -55,7 +56,7 @@ Domain parse_domain(const std::string& text) {
         const std::string name = trimmed(content.substr(0, equals));
         const std::string digits = trimmed(content.substr(equals + 1));
         if (name != "p" && name != "q" && name != "g")
-            throw DomainError(where + "the names are p, q and g");
+            throw DomainError(where + "the name is not p, q or g");
         if (digits.empty() ||
             digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
             throw DomainError(where + name + " is not a hexadecimal number");

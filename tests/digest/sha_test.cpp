@@ -38,7 +38,7 @@ TEST(Sha, lengths_are_unsigned) {
     EXPECT_DEATH(HashBuf(bytes.data(), 0x80000001U, &Hash), "");
 }
 
-TEST(Sha, unset_records_do_not_lead_outside_themselves) {
+TEST(Sha, unset_records_cause_no_write_outside_the_record) {
     Bytes bytes(1000, 1);
     for (const std::uint32_t fill : {0U, 16U, 17U, 0xFFFFFFFFU}) {
         Words words(26, fill);

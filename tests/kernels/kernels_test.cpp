@@ -158,7 +158,7 @@ void check_drawn_products() {
     }
 }
 
-TEST_P(Kernel, multiplies_drawn_values) {
+TEST_P(Kernel, multiplies_random_values) {
     check_drawn_products();
 }
 

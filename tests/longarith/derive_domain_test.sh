@@ -37,9 +37,9 @@ even_p=$(printf '%s%x' "${p:0:127}" $((0x${p:127} - 1)))
 clear_p=$(printf '%x%s' $((0x${p:0:1} & 7)) "${p:1}")
 composite_q=$(printf '%x%s' $((0x${q:0:1})) "${q:1:38}1")
 
-domain "${p:1}" "$q" "$g";              refused "p has 127 hexadecimal digits; 128 are needed"
-domain "$p" "${q}0" "$g";               refused "q has 41 hexadecimal digits; 40 are needed"
-domain "$p" "$q" "0${g}0";              refused "g has 130 hexadecimal digits; at most 128 are needed"
+domain "${p:1}" "$q" "$g";              refused "p has 127 hexadecimal digits; expected 128"
+domain "$p" "${q}0" "$g";               refused "q has 41 hexadecimal digits; expected 40"
+domain "$p" "$q" "0${g}0";              refused "g has 130 hexadecimal digits; expected at most 128"
 domain "$clear_p" "$q" "$g";            refused "the top bit of p is clear"
 domain "$p" "0${q:1}" "$g";             refused "the top bit of q is clear"
 domain "$even_p" "$q" "$g";             refused "p is even"
@@ -57,7 +57,7 @@ domain "$p" "" "$g";                    refused "line 2: q is not a hexadecimal 
 domain "0x${p:2}" "$q" "$g";            refused "line 1: p is not a hexadecimal number"
 printf 'p = %s\nq = %s\n' "$p" "$q" > test.domain;           refused 'no line "g = HEX"'
 printf 'p = %s\n\np = %s\n' "$p" "$p" > test.domain;         refused "line 3: p is given twice"
-printf 'h = 1\n' > test.domain;                              refused "line 1: the names are p, q and g"
+printf 'h = 1\n' > test.domain;                              refused "line 1: the name is not p, q or g"
 printf 'p\n' > test.domain;                                  refused "line 1: not of the form NAME = HEX"
 rm test.domain;                                              refused "No such file or directory"
 : > test.domain;                                             refused 'no line "p = HEX"'

@@ -2,9 +2,9 @@
 """Writes operands and results of the long arithmetic, computed with Python's integers. A line is a
 case: its kind, then NAME=NUMBER for each operand and result, in big-endian hexadecimal of whole limbs.
   reduction   na nm k a m mont result   a and result have the larger of na and nm limbs
-  power       e1 e2 table result other  g^e1 * y^e2 * 2^512 mod p, with p added where `other` holds it
+  power       e1 e2 table result other  g^e1 * y^e2 * 2^512 mod p; `other` is result + p if that is below 2^512
   inverse     x result
-  signature   key signature digest code the blobs start in the second byte, so at odd addresses
+  signature   key signature digest code   the blobs start in the second byte, so at odd addresses
 usage: vectors.py DOMAIN_FILE
 """
 import random

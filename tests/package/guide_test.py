@@ -39,7 +39,7 @@ def main(guide, source, prefix, libdir):
     text = pathlib.Path(guide).read_text()
     blocks = list(re.finditer(r"^```(\w*)\n(.*?)^```$", text, re.M | re.S))
     if not blocks or len(blocks) * 2 != len(re.findall(r"^\s*```", text, re.M)):
-        sys.exit(f"{guide}: its code blocks are not to be made out")
+        sys.exit(f"{guide}: no code blocks, or a malformed one")
     os.environ.update(PATH=f"{prefix}/bin:{os.environ['PATH']}", CMAKE_PREFIX_PATH=prefix,
                       PKG_CONFIG_LIBDIR=f"{prefix}/share/pkgconfig:{prefix}/lib/pkgconfig",
                       LD_RUN_PATH=f"{prefix}/{libdir}", CMAKE_GENERATOR="Ninja", LC_ALL="C")
@@ -54,7 +54,7 @@ def main(guide, source, prefix, libdir):
                 printed = ""
                 continue
             if printed:
-                sys.exit(f"{where}: printed, and the guide does not say so\n{printed}")
+                sys.exit(f"{where}: printed text that the guide does not show\n{printed}")
             if block:
                 where = f"{guide}:{text.count(chr(10), 0, block.start()) + 1}"
                 printed = act_on(block[1], block[2], where)

@@ -122,7 +122,7 @@ class Commands(Test):
         self.assertIn("usage: ktsign", self.does("sign", "key", "--help"))
         self.assertIn("usage: ktsign", self.does("sign", "key", "-h"))
 
-    def test_each_of_many_files_is_signed_or_named(self):
+    def test_each_of_many_files_is_signed_or_reported(self):
         done = run("sign", "key", "none", "file")
         self.assertEqual((2, "ktsign: none: No such file or directory\n"), (done.returncode, done.stderr))
         self.assertEqual("file: valid\n", self.does("verify", "key.pub", "file"))
@@ -168,7 +168,7 @@ class Commands(Test):
 
     def test_a_private_key_readable_by_others_causes_a_warning(self):
         os.chmod("key", 0o640)
-        self.assertEqual("ktsign: key: warning: others than its owner may read this private key\n",
+        self.assertEqual("ktsign: key: warning: users other than its owner may read this private key\n",
                          run("sign", "key", "file").stderr)
 
     def test_a_faulty_signature_is_not_written(self):

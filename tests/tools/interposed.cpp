@@ -1,4 +1,4 @@
-// Replaces functions of libcrypto and the system. KTSIGN_FAULT names those that fail.
+// Replaces functions of libcrypto and the system. KTSIGN_FAULT names the faults to inject.
 #include <dlfcn.h>
 #include <openssl/evp.h>
 #include <sys/stat.h>

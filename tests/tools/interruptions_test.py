@@ -1,4 +1,4 @@
-"""Kills ktsign at each of its system calls, and makes each system call fail once."""
+"""Sends ktsign a signal at each of its system calls, and makes each system call fail once."""
 import concurrent.futures
 import os
 import pathlib
@@ -33,7 +33,7 @@ class Interruptions(Test):
         self.does("sign", "key", "file", cwd="signed")
 
     def strike(self, words, prepared, kind, judge):
-        """Injects each KIND at each call in turn; `judge` gets the directory and the run."""
+        """Injects a fault at each call, with the kinds in rotation. `judge` gets the directory and the run."""
         def inject(at):
             number, (name, count) = at
             directory = shutil.copytree(prepared, tempfile.mkdtemp(dir="."), dirs_exist_ok=True)
@@ -64,7 +64,7 @@ class Interruptions(Test):
         else:
             self.assertNotEqual(0, done.returncode)
 
-    def expect_key_without_a_half(self, directory, _):
+    def expect_pair_after_the_next_run(self, directory, _):
         names = {name for name in os.listdir(directory) if not re.fullmatch(r"\.key.*\.ktsign-\w{6}", name)}
         if names == {"key", "key.pub"}:
             return self.expect_pair(directory)
@@ -92,8 +92,8 @@ class Interruptions(Test):
         kinds = ["signal=INT", "signal=TERM", "signal=HUP"]
         self.strike(["sign", "key", "file"], "signed", kinds, self.expect_signature)
 
-    def test_a_kill_leaves_no_half_pair(self):
-        self.strike(["new-key", "key"], "empty", ["signal=KILL"], self.expect_key_without_a_half)
+    def test_the_next_run_completes_a_pair_after_a_kill(self):
+        self.strike(["new-key", "key"], "empty", ["signal=KILL"], self.expect_pair_after_the_next_run)
 
     def test_a_kill_leaves_a_whole_signature(self):
         self.strike(["sign", "key", "file"], "signed", ["signal=KILL"],

@@ -16,12 +16,12 @@ REFUSALS = {
     "ktsign: nonsense: not a command; see ktsign --help": "nonsense",
     "ktsign: sign: takes KEY FILE...; see ktsign --help": "sign key",
     "ktsign: show: takes FILE; see ktsign --help": "show key file",
-    "ktsign: sign: one signature is for one FILE; see ktsign --help": "sign -o new key file text",
+    "ktsign: sign: SIG requires exactly one FILE; see ktsign --help": "sign -o new key file text",
     "ktsign: verify: does not take --force; see ktsign --help": "verify --force key.pub file",
     "ktsign: show: does not take --version; see ktsign --help": "show key --version",
     "ktsign: sign: standard input is named more than once": "sign - -",
     "ktsign: verify: standard input is named more than once": "verify -s - key.pub -",
-    "ktsign: new-key: --passphrase-fd is for --encrypt; see ktsign --help": "new-key new --passphrase-fd 0",
+    "ktsign: new-key: --passphrase-fd requires --encrypt; see ktsign --help": "new-key new --passphrase-fd 0",
     "ktsign: -o: needs a value; see ktsign --help": "sign key file -o",
     "ktsign: -none: No such file or directory": "sign key -- -none",
     "ktsign: -key: not an option; write ./-key for a file of this name": "sign -key file",
@@ -43,15 +43,15 @@ REFUSALS = {
     "ktsign: text: exists and is not a signature; --force replaces it": "sign -o text key file",
     "ktsign: text: exists and is not a public key; --force replaces it": "public-key key text",
     "ktsign: text: exists and is not empty; --force replaces it": "new-domain text",
-    "ktsign: lost: a link that leads to no file": "sign -o lost key file",
+    "ktsign: lost: a symbolic link without a target": "sign -o lost key file",
     "ktsign: loop: Too many levels of symbolic links": "sign -o loop key file",
     "ktsign: text/new: Not a directory": "sign -o text/new key file",
-    "ktsign: forty.sig: would be overwritten, it is an input": "sign key forty",
-    "ktsign: new: would be overwritten, it is an input": "sign -o new key new",
-    "ktsign: key: would be overwritten, it is an input": "public-key --force key key",
-    "ktsign: key.pub: would be overwritten, it is an input": "sign --force -o key.pub key file",
+    "ktsign: forty.sig: is an input and would be overwritten": "sign key forty",
+    "ktsign: new: is an input and would be overwritten": "sign -o new key new",
+    "ktsign: key: is an input and would be overwritten": "public-key --force key key",
+    "ktsign: key.pub: is an input and would be overwritten": "sign --force -o key.pub key file",
     "ktsign: /dev/full: No space left on device": "sign -o /dev/full key file",
-    "ktsign: long: too long, the limit is 2^29 - 1 bytes": "sign key long",
+    "ktsign: long: too long; the limit is 2^29 - 1 bytes": "sign key long",
     "ktsign: text: not a private key in PEM": "sign text file",
     "ktsign: long: too long for a key": "sign long file",
     "ktsign: rsa: not a DSA key": "sign rsa file",
@@ -71,7 +71,7 @@ REFUSALS = {
     "ktsign: p.pub: not a sound public key: component 0 is not below p": "verify p.pub file",
     "ktsign: one.pub: not a sound public key: y is not above 1": "verify one.pub file",
     "ktsign: two.pub: not a sound public key: y^q is not 1": "verify two.pub file",
-    "ktsign: swapped.pub: not a sound public key: its components are not 2^40 powers apart":
+    "ktsign: swapped.pub: not a sound public key: its components are not powers of one y":
         "verify swapped.pub file",
     "ktsign: text: not a private key, a public key or a domain": "show text",
     "ktsign: forty: not a private key, a public key or a domain": "show forty",
@@ -176,14 +176,14 @@ class Refusals(Test):
 
     def test_a_private_key_with_a_flipped_bit_is_refused(self):
         der = base64.b64decode("".join(pathlib.Path("key").read_text().splitlines()[1:-1]))
-        for bit in range(48, 8 * len(der), 11):  # the version before means nothing
+        for bit in range(48, 8 * len(der), 11):  # a key with another version, in bits 40 to 47, is accepted
             flipped = bytearray(der)
             flipped[bit // 8] ^= 1 << bit % 8
             write_pem("key", "PRIVATE KEY", flipped)
             self.assertEqual(2, run("sign", "key", "file").returncode, bit)
         self.assertFalse(os.path.exists("file.sig"))
 
-    def test_a_limit_of_the_file_size_is_an_error(self):
+    def test_a_write_beyond_the_file_size_limit_is_an_error(self):
         done = run("-c", f"ulimit -f 0; '{KTSIGN}' sign key file", program="bash")
         self.assertEqual((2, "ktsign: file.sig: File too large\n"), (done.returncode, done.stderr))
         self.assertFalse(os.path.exists("file.sig"))
