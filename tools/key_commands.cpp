@@ -75,9 +75,9 @@ int public_key(const CommandLine& line) {
     Passphrase passphrase(line.passphrase_fd);
     const PrivateKey key = read_own_private_key(name, passphrase);
     // KEY.pub does not have to match if this command replaces it.
-    const bool replaces_other =
+    const bool replaces_key_pub =
         output.identity() && output.identity() == file_identity(name + ".pub");
-    if (!replaces_other || !(line.force || output.is_empty()))
+    if (!replaces_key_pub || !(line.force || output.is_empty()))
         require_matching_public_key(key, name);
     output.write(key.public_key());
     return kDone;

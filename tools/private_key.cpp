@@ -79,7 +79,7 @@ Number public_number(const Number& x) {
 struct PassphraseRequest {
     Passphrase& passphrase;
     const std::string& name;
-    bool made = false;
+    bool obtained = false;
     std::exception_ptr failure;
 };
 
@@ -89,7 +89,7 @@ int give_passphrase(char* buffer, int size, int /*writing*/, void* argument) {
     if (request.failure) return -1;
     try {
         const SecretBytes& text = request.passphrase.for_existing_key(request.name);
-        request.made = true;
+        request.obtained = true;
         if (text.size() > static_cast<std::size_t>(size)) return -1;
         std::copy(text.begin(), text.end(), buffer);
         return static_cast<int>(text.size());
@@ -166,7 +166,7 @@ PrivateKey PrivateKey::from_pem(const SecretBytes& pem, Passphrase& passphrase,
     Handle key(PEM_read_bio_PrivateKey(stream.get(), nullptr, give_passphrase, &request));
     ERR_clear_error();  // errors of the formats that libcrypto tried first
     if (request.failure) std::rethrow_exception(request.failure);
-    if (!key && request.made) throw Failure(name, "wrong passphrase, or a damaged key");
+    if (!key && request.obtained) throw Failure(name, "wrong passphrase, or a damaged key");
     if (!key) throw Failure(name, "not a private key in PEM");
     if (EVP_PKEY_is_a(key.get(), "DSA") == 0) throw Failure(name, "not a DSA key");
     PrivateKey made(std::move(key));

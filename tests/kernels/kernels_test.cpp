@@ -139,7 +139,7 @@ TEST_P(Kernel, multiplies_values_that_fill_the_columns) {
 }
 
 // Random limbs between runs of zeros and ones.
-Limbs draw_limbs(std::mt19937& random, std::size_t count) {
+Limbs random_limbs(std::mt19937& random, std::size_t count) {
     Limbs limbs(count);
     for (unsigned short& limb : limbs) {
         const unsigned short choices[] = {0, 0xFFFF, static_cast<unsigned short>(random())};
@@ -148,18 +148,18 @@ Limbs draw_limbs(std::mt19937& random, std::size_t count) {
     return limbs;
 }
 
-void check_drawn_products() {
+void check_random_products() {
     std::mt19937 random(512);
     for (int i = 0; i < 2000; ++i) {
         const std::size_t n = 1 + i % 32;
-        Limbs m = draw_limbs(random, n);
+        Limbs m = random_limbs(random, n);
         m[0] |= 1;
-        check_product(draw_limbs(random, n), draw_limbs(random, n), m);
+        check_product(random_limbs(random, n), random_limbs(random, n), m);
     }
 }
 
 TEST_P(Kernel, multiplies_random_values) {
-    check_drawn_products();
+    check_random_products();
 }
 
 // Hosts of other compilers align the stack to 4 bytes only. Code added by a sanitizer needs 16.
@@ -167,7 +167,7 @@ TEST_P(Kernel, multiplies_random_values) {
 TEST_P(Kernel, needs_a_stack_alignment_of_4_bytes_only) {
     const auto check = +[] {
         check_sha(Bytes(300, 'a'), {});
-        check_drawn_products();
+        check_random_products();
     };
     asm volatile("subl $4, %%esp\n\tcall *%0\n\taddl $4, %%esp" ::"r"(check)
                  : "eax", "ecx", "edx", "cc", "memory");
