@@ -57,7 +57,7 @@ int parse_descriptor(const std::string& text) {
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, fd);
     if (error != std::errc() || stop != end || fd < 0)
-        throw Failure("--passphrase-fd: not a descriptor: " + quoted(text));
+        throw Failure("--passphrase-fd: not a descriptor: " + quoted(text, "-"));
     return fd;
 }
 
@@ -119,6 +119,7 @@ void take_option(CommandLine& line, int value, const std::string& word) {
         case ':':
             throw Failure(word, std::string("needs a value") + kMore);
         default:
+            if (optopt >= kEncrypt) throw Failure(word, std::string("takes no value") + kMore);
             throw Failure(word,
                           "not an option; write ./" + quoted(word) + " for a file of this name");
     }
@@ -151,7 +152,7 @@ const Command& command_of(const std::string& name) {
     if (name.empty()) throw Failure(std::string("no command") + kMore);
     for (const Command& command : commands())
         if (name == command.name) return command;
-    throw Failure(name, std::string("not a command") + kMore);
+    throw Failure(quoted(name, "-") + ": not a command" + kMore);
 }
 
 // Throws Failure unless the command accepts the operands and options.

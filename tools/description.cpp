@@ -38,17 +38,17 @@ bool is_text(std::string_view content) {
 
 int show(const CommandLine& line) {
     const std::string& name = line.operands[0];
+    Passphrase passphrase(line.passphrase_fd);
     InputFile file(name);
     const SecretBytes bytes =
         read_at_most(file, kMaxKeyFileBytes, "not a key or a domain: too long");
     const std::string_view content(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     if (content.find("-----BEGIN ") != std::string_view::npos) {
-        Passphrase passphrase(line.passphrase_fd);
-        show_private_key(PrivateKey::from_pem(bytes, passphrase, name));
+        show_private_key(parse_private_key(file, bytes, passphrase));
     } else if (PublicKeyBlob key; !is_text(content) && bytes.size() == key.size()) {
         std::copy(bytes.begin(), bytes.end(), key.begin());
         show_public_key(key);
-    } else if (content.find('=') != std::string_view::npos) {
+    } else if (is_text(content) && content.find('=') != std::string_view::npos) {
         const DomainNumbers domain = parse_domain_file(name, std::string(content));
         print_value("kind", "domain");
         print_value("domain-fingerprint", fingerprint(domain));

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 
 #include "commands.h"
 #include "domain.h"
@@ -28,9 +29,10 @@ OutputFile public_key_output(const std::string& name, bool force) {
     return OutputFile(name, {"a public key", sizeof(PublicKeyBlob), force});
 }
 
-void complete_key_pair(const std::string& private_name, Passphrase& passphrase) {
+void complete_key_pair(const std::string& private_name, bool encrypt, Passphrase& passphrase) {
     const std::string public_name = private_name + ".pub";
     const PrivateKey key = read_own_private_key(private_name, passphrase);
+    if (encrypt && !key.was_encrypted()) throw Failure(private_name, "exists and is not encrypted");
     public_key_output(public_name, false).write(key.public_key());
     print_error(quoted(private_name) + ": kept; made the missing " + quoted(public_name) +
                 " from it");
@@ -50,11 +52,14 @@ int new_key(const CommandLine& line) {
     if (name == "-") throw Failure("new-key: a key pair is two files, not standard output");
     Passphrase passphrase(line.passphrase_fd);
     if (lacks_public_key(name)) {
-        complete_key_pair(name, passphrase);
+        complete_key_pair(name, line.encrypt, passphrase);
         return kDone;
     }
-    if (name_exists(name) && !name_exists(name + ".pub"))
-        throw Failure(name, "exists; \"ktsign public-key\" makes its public key");
+    std::error_code ignored;  // name_exists() below reports the error
+    const auto type = std::filesystem::symlink_status(name, ignored).type();
+    if (type == std::filesystem::file_type::regular && !name_exists(name + ".pub"))
+        throw Failure(name,
+                      "exists; if it is a private key, \"ktsign public-key\" makes its public key");
     for (const std::string& file : {name, name + ".pub"}) {
         if (!name_exists(file)) continue;
         errno = EEXIST;

@@ -27,12 +27,12 @@ int version(const CommandLine& /*line*/) {
     return kDone;
 }
 
-// Opens /dev/null for each closed standard descriptor. Otherwise a file that ktsign opens would
-// become standard output, and ktsign would print into it. A read or write of these descriptors
-// fails.
+// Opens the path of a directory for each closed standard descriptor. Otherwise a file that ktsign
+// opens would become standard output, and ktsign would print into it. A read or write of such a
+// descriptor fails, and also of its name in /dev.
 void fill_standard_descriptors() {
     for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-        if (fcntl(fd, F_GETFD) == -1) open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+        if (fcntl(fd, F_GETFD) == -1) open("/", O_PATH);
 }
 
 int run(std::span<char*> words) {
@@ -55,7 +55,7 @@ int main(int argc, char** argv) {
     try {
         return run({argv, argv + argc});
     } catch (const std::exception& error) {
-        print_error(error.what());
+        print_error(error);
         return kFailed;
     }
 }

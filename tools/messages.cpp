@@ -7,6 +7,17 @@
 #include <cwchar>
 #include <cwctype>
 
+namespace {
+
+// False for the marks of Unicode that change the direction of the text after them.
+bool is_printed_in_order(wchar_t c) {
+    const bool mark = (c >= 0x200E && c <= 0x200F) || (c >= 0x202A && c <= 0x202E) ||
+                      (c >= 0x2066 && c <= 0x2069);
+    return std::iswprint(static_cast<std::wint_t>(c)) != 0 && !mark;
+}
+
+}  // namespace
+
 std::string quoted(const std::string& name, const std::string& dash) {
     if (name == "-") return dash;
     if (name.empty()) return "\"\"";
@@ -20,7 +31,7 @@ std::string quoted(const std::string& name, const std::string& dash) {
             state = {};
             length = 1;
         }
-        if (complete && std::iswprint(static_cast<std::wint_t>(character)) != 0) {
+        if (complete && is_printed_in_order(character)) {
             text += name[at] == '\\' ? "\\\\" : name.substr(at, length);
         } else {
             for (std::size_t i = at; i < at + length; ++i) {
@@ -41,6 +52,11 @@ void fail_with_errno(const std::string& name) {
 
 void print_error(const std::string& message) {
     std::fprintf(stderr, "ktsign: %s\n", message.c_str());
+}
+
+void print_error(const std::exception& error) {
+    const bool no_memory = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;
+    print_error(no_memory ? "out of memory" : error.what());
 }
 
 void print_line(const std::string& line) {

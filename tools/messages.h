@@ -5,8 +5,9 @@
 #include <stdexcept>
 #include <string>
 
-// Quotes a file name for a message. A byte that is not part of a printable character of the locale
-// becomes \xHH, a backslash is doubled, "-" becomes `dash`, and an empty name two quotes.
+// Quotes a file name for a message. A byte that is not part of a printable character of the locale,
+// or that is part of a mark of the text direction, becomes \xHH. A backslash is doubled, "-"
+// becomes `dash`, and an empty name two quotes.
 std::string quoted(const std::string& name, const std::string& dash = "standard input");
 
 // An error message of one line: the file and the reason.
@@ -21,6 +22,7 @@ struct Failure : std::runtime_error {
 
 // Prints a line of the form "ktsign: MESSAGE" on standard error.
 void print_error(const std::string& message);
+void print_error(const std::exception& error);
 
 // Prints a line on standard output. Throws Failure.
 void print_line(const std::string& line);

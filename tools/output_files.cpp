@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -9,7 +10,9 @@
 #include <cstring>
 #include <filesystem>
 #include <utility>
+#include <vector>
 
+#include "input_files.h"
 #include "messages.h"
 
 namespace {
@@ -107,6 +110,11 @@ public:
         sync_directory();
     }
 
+    void sync_directory() const {
+        // EINVAL: the file system does not support the sync of a directory.
+        if (fsync(directory_.get()) == -1 && errno != EINVAL) fail_with_errno(name_);
+    }
+
 private:
     // The system removes a file without a name at the end of the process. Some file systems do not
     // support such files. A link from /proc gives such a file its name.
@@ -153,11 +161,6 @@ private:
         return linkat(AT_FDCWD, from.c_str(), directory_.get(), base_.c_str(), AT_SYMLINK_FOLLOW);
     }
 
-    void sync_directory() const {
-        // EINVAL: the file system does not support the sync of a directory.
-        if (fsync(directory_.get()) == -1 && errno != EINVAL) fail_with_errno(name_);
-    }
-
     std::string name_;
     std::string base_;
     Descriptor directory_;
@@ -169,6 +172,23 @@ void write_through(const std::string& name, ConstBytes content) {
     const Descriptor file(open(name.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC));
     if (file.get() == -1) fail_with_errno(name);
     write_all(file.get(), content, name);
+}
+
+bool has_content(const std::string& name, ConstBytes content) {
+    try {
+        InputFile file(name);
+        std::vector<unsigned char> bytes(content.size() + 1);
+        bytes.resize(file.read(bytes));
+        return std::equal(bytes.begin(), bytes.end(), content.begin(), content.end());
+    } catch (const Failure&) {
+        return false;
+    }
+}
+
+bool is_standard_output(const struct stat& status) {
+    struct stat output;
+    return fstat(STDOUT_FILENO, &output) == 0 && output.st_dev == status.st_dev &&
+           output.st_ino == status.st_ino;
 }
 
 }  // namespace
@@ -224,6 +244,8 @@ void OutputFile::require_replaceable(const struct stat& status) const {
         fail_with_errno(name_);
     }
     if (!S_ISREG(status.st_mode)) throw Failure(name_, "not a regular file");
+    // A replaced file would be another one than the file that standard output is open for.
+    if (is_standard_output(status)) throw Failure(name_, "is standard output; its name is -");
     const bool replaceable = status.st_size == 0 || status.st_size == replacement_.size;
     if (!replaceable && !replacement_.forced)
         throw Failure(name_, "exists and is not " + replacement_.kind + "; --force replaces it");
@@ -259,6 +281,9 @@ void create_key_pair(const std::string& private_name, ConstBytes private_key,
     try {
         public_file.create();
     } catch (...) {
+        // A second run may have taken the private key for the remains of a killed run, and may have
+        // completed the pair.
+        if (has_content(public_name, public_key)) return public_file.sync_directory();
         private_file.withdraw();
         throw;
     }

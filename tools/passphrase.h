@@ -9,18 +9,16 @@
 
 class Passphrase {
 public:
-    // Takes the passphrase from a line of the descriptor `fd`, or from the terminal if `fd` is
-    // empty.
-    explicit Passphrase(std::optional<int> fd) : fd_(fd) {}
+    // Reads the passphrase from a line of the descriptor `fd`. Without `fd`, the first call of a
+    // function below prompts on the terminal, and later calls return the same passphrase. Requires
+    // that ktsign has not opened a file yet, which could have the number `fd`. All functions throw
+    // Failure.
+    explicit Passphrase(std::optional<int> fd);
 
-    // The first call reads or prompts, and later calls return the same passphrase. Throws Failure.
     const SecretBytes& for_existing_key(const std::string& key_name);
     const SecretBytes& for_new_key(const std::string& key_name);  // prompts twice
 
 private:
-    const SecretBytes& obtain(const std::string& key_name, bool twice);
-
-    std::optional<int> fd_;
     std::optional<SecretBytes> text_;
 };
 

@@ -126,6 +126,18 @@ void write_encrypted(BIO* stream, const EVP_PKEY* key, const SecretBytes& passph
     checked(PEM_write_bio_PKCS8(stream, encrypted.get()) == 1);
 }
 
+// Removes the errors of libcrypto. Returns the first one that is not caused by the content of a
+// key, or an empty text.
+std::string limit_of_libcrypto() {
+    std::string reason;
+    while (const unsigned long error = ERR_get_error()) {
+        const bool is_limit =
+            ERR_GET_LIB(error) == ERR_LIB_EVP || ERR_GET_REASON(error) == ERR_R_MALLOC_FAILURE;
+        if (is_limit && reason.empty()) reason = ERR_reason_error_string(error);
+    }
+    return reason;
+}
+
 void warn_when_others_may_read(const InputFile& file) {
     const mode_t others = S_IRGRP | S_IROTH;
     if (file.size() && (file.status().st_mode & others) != 0)
@@ -164,12 +176,14 @@ PrivateKey PrivateKey::from_pem(const SecretBytes& pem, Passphrase& passphrase,
     const Stream stream(checked(BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size()))));
     PassphraseRequest request{passphrase, name, false, nullptr};
     Handle key(PEM_read_bio_PrivateKey(stream.get(), nullptr, give_passphrase, &request));
-    ERR_clear_error();  // errors of the formats that libcrypto tried first
+    const std::string limit = limit_of_libcrypto();
     if (request.failure) std::rethrow_exception(request.failure);
+    if (!key && !limit.empty()) throw Failure(name, "libcrypto: " + limit);
     if (!key && request.obtained) throw Failure(name, "wrong passphrase, or a damaged key");
     if (!key) throw Failure(name, "not a private key in PEM");
     if (EVP_PKEY_is_a(key.get(), "DSA") == 0) throw Failure(name, "not a DSA key");
     PrivateKey made(std::move(key));
+    made.was_encrypted_ = request.obtained;
     if (!has_the_size(made.domain()))
         throw Failure(name, "not a DSA key with a p of 512 bits and a q of 160");
     const KeyContext context = context_of(made.key_.get());
@@ -180,7 +194,7 @@ PrivateKey PrivateKey::from_pem(const SecretBytes& pem, Passphrase& passphrase,
     // Some formats also contain the public value.
     if (EVP_PKEY_pairwise_check(context.get()) != 1) {
         ERR_clear_error();
-        throw Failure(name, "the public value does not belong to the private key");
+        throw Failure(name, "a damaged key: its numbers do not belong together");
     }
     return made;
 }
@@ -229,8 +243,8 @@ SignatureBlob PrivateKey::sign(const HASH_CTX& digest) const {
     return signature;
 }
 
-PrivateKey read_private_key(InputFile& file, Passphrase& passphrase) {
-    const SecretBytes pem = read_at_most(file, kMaxKeyFileBytes, "too long for a key");
+PrivateKey parse_private_key(const InputFile& file, const SecretBytes& pem,
+                             Passphrase& passphrase) {
     PrivateKey key = PrivateKey::from_pem(pem, passphrase, file.name());
     warn_when_others_may_read(file);
     return key;
@@ -238,14 +252,15 @@ PrivateKey read_private_key(InputFile& file, Passphrase& passphrase) {
 
 PrivateKey read_own_private_key(const std::string& name, Passphrase& passphrase) {
     InputFile file(name);
-    PrivateKey key = read_private_key(file, passphrase);
+    const SecretBytes pem = read_at_most(file, kMaxKeyFileBytes, "too long for a key");
+    PrivateKey key = parse_private_key(file, pem, passphrase);
     if (!(key.domain() == built_in_domain())) throw Failure(name, "a key of another domain");
     return key;
 }
 
 void require_matching_public_key(const PrivateKey& key, const std::string& name) {
     const std::string public_name = name + ".pub";
-    if (name == "-" || !file_identity(public_name)) return;
+    if (name == "-" || !name_exists(public_name)) return;
     if (read_public_key(public_name) != key.public_key())
         throw Failure(public_name, "not the public key of " + quoted(name));
 }

@@ -29,6 +29,7 @@ public:
     SecretBytes to_pem(const SecretBytes* passphrase) const;
     DomainNumbers domain() const;
     PublicKeyBlob public_key() const;
+    bool was_encrypted() const { return was_encrypted_; }  // in the PEM text
     // Signs a finished digest in the built-in domain. Before the signature is returned, libcrypto
     // and the library's own code verify it. A signature made with a fault of the processor, the
     // memory or the key would reveal the private key.
@@ -39,10 +40,11 @@ private:
     explicit PrivateKey(Handle key) : key_(std::move(key)) {}
 
     Handle key_;
+    bool was_encrypted_ = false;
 };
 
-// Reads a private key of any domain. Prints a warning if other users may read the file.
-PrivateKey read_private_key(InputFile& file, Passphrase& passphrase);
+// Parses the content of a file. Prints a warning if other users may read the file.
+PrivateKey parse_private_key(const InputFile& file, const SecretBytes& pem, Passphrase& passphrase);
 
 // Reads a private key of the built-in domain.
 PrivateKey read_own_private_key(const std::string& name, Passphrase& passphrase);

@@ -1,4 +1,5 @@
 // sign.
+#include <filesystem>
 #include <set>
 #include <string>
 
@@ -19,7 +20,8 @@ public:
         require_matching_public_key(key_, line.operands[0]);
         protect(line.operands[0] + ".pub");
         for (const std::string& input : line.operands) protect(input);
-        names_.insert(line.operands.begin(), line.operands.end());
+        for (const std::string& input : line.operands) names_.insert(normal(input));
+        names_.insert(normal(line.operands[0] + ".pub"));
     }
 
     void sign(const std::string& file) const {
@@ -39,10 +41,14 @@ private:
         } catch (const Failure&) {  // NOLINT(bugprone-empty-catch)
         }
     }
-    // An operand that does not exist has no identity. Its name is compared.
+    static std::string normal(const std::string& name) {
+        return std::filesystem::path(name).lexically_normal();
+    }
+    // A file that does not exist has no identity. Its name is compared.
     bool is_input(const std::string& name, const OutputFile& output) const {
         if (name == "-") return false;  // standard output
-        return names_.contains(name) || (output.identity() && inputs_.contains(*output.identity()));
+        return names_.contains(normal(name)) ||
+               (output.identity() && inputs_.contains(*output.identity()));
     }
     std::string output_name(const std::string& file) const {
         if (line_.output) return *line_.output;
@@ -65,8 +71,8 @@ int sign(const CommandLine& line) {
     for (std::size_t i = 1; i < line.operands.size(); ++i) {
         try {
             signer.sign(line.operands[i]);
-        } catch (const Failure& failure) {
-            print_error(failure.what());
+        } catch (const std::exception& error) {
+            print_error(error);
             status = kFailed;
         }
     }

@@ -37,7 +37,7 @@ int verify(const CommandLine& line) {
     const std::string& key_name = line.operands[0];
     const PublicKeyBlob key = read_public_key(key_name);
     if (const std::string reason = unsoundness(key); !reason.empty())
-        throw Failure(key_name, "not a sound public key: " + reason);
+        throw Failure(key_name, "not a sound public key of this domain: " + reason);
     int status = kDone;
     for (std::size_t i = 1; i < line.operands.size(); ++i) {
         const std::string& file = line.operands[i];
@@ -46,8 +46,8 @@ int verify(const CommandLine& line) {
                 throw Failure("standard input: its signature has no name; use -s");
             status =
                 std::max(status, verify_file(key, file, line.signature.value_or(file + ".sig")));
-        } catch (const Failure& failure) {
-            print_error(failure.what());
+        } catch (const std::exception& error) {
+            print_error(error);
             status = kFailed;
         }
     }

@@ -4,6 +4,7 @@ import os
 import pathlib
 import pty
 import re
+import signal
 import subprocess
 import sys
 import termios
@@ -66,12 +67,14 @@ class Commands(Test):
         with open("collected", "wb") as collected:
             for _ in range(2):
                 subprocess.run([KTSIGN, "sign", "-o", "-", "key", "file"], stdout=collected, check=True)
+            named = subprocess.run([KTSIGN, "sign", "-o", "/dev/stdout", "key", "file"], stdout=collected)
+        self.assertEqual(2, named.returncode)
         self.assertEqual(80, os.path.getsize("collected"))
         piped = subprocess.run([KTSIGN, "sign", "-o", "-", "key", "file"], stdout=subprocess.PIPE, check=True)
         self.assertEqual(40, len(piped.stdout))
 
-    def test_standard_input_is_signed(self):
-        self.does("sign", "-o", "signature", "key", "-", input="content")
+    def test_standard_input_is_signed_after_the_passphrase(self):
+        self.does("sign", "--passphrase-fd", "0", "-o", "signature", "key", "-", input="unused\ncontent")
         self.assertEqual("standard input: valid\n",
                          self.does("verify", "-s", "signature", "key.pub", "-", input="content"))
 
@@ -159,6 +162,17 @@ class Commands(Test):
         self.assertEqual(2, with_passphrase("one" * 200, "sign", "locked", "file").returncode)
         self.assertEqual(2, on_a_terminal("new-key", "--encrypt", "other", typed="one\ntwo\n")[0])
         self.assertFalse(os.path.exists("other"))
+        self.assertEqual(2, on_a_terminal("sign", "locked", "file", typed="x" * 513 + "\n")[0])
+        self.assertEqual(-signal.SIGINT, on_a_terminal("sign", "locked", "file", typed="\x03")[0])
+
+    def test_two_runs_for_one_key_leave_a_pair(self):
+        delay = ["strace", "-qq", "-o", "/dev/null", "-e", "inject=linkat:delay_enter=2000000:when=2"]
+        with subprocess.Popen([*delay, KTSIGN, "new-key", "new"]) as first:
+            while not os.path.exists("new"):
+                time.sleep(0.001)
+            self.assertEqual(0, run("new-key", "new").returncode)
+        self.assertEqual(0, first.returncode)
+        self.assertEqual(*[value(self.does("show", name), "key-fingerprint") for name in ["new", "new.pub"]])
 
     def test_progress_is_erased_at_the_end(self):
         os.truncate("file", 1 << 25)
@@ -168,8 +182,9 @@ class Commands(Test):
 
     def test_a_private_key_readable_by_others_causes_a_warning(self):
         os.chmod("key", 0o640)
-        self.assertEqual("ktsign: key: warning: users other than its owner may read this private key\n",
-                         run("sign", "key", "file").stderr)
+        for words in [("sign", "key", "file"), ("show", "key")]:
+            self.assertEqual("ktsign: key: warning: users other than its owner may read this private key\n",
+                             run(*words).stderr)
 
     def test_a_faulty_signature_is_not_written(self):
         for fault, message in {"sign": f"libcrypto: {FAULTY}", "sign verify": f"the library: {FAULTY}",

@@ -2,6 +2,7 @@
 import base64
 import os
 import pathlib
+import shutil
 import subprocess
 import sys
 import unittest
@@ -13,7 +14,7 @@ P, Q, G = domain_numbers(os.environ["DOMAIN"])
 # The line on standard error, which begins with the name of the program, and the arguments.
 REFUSALS = {
     "ktsign: no command; see ktsign --help": "",
-    "ktsign: nonsense: not a command; see ktsign --help": "nonsense",
+    "ktsign: -: not a command; see ktsign --help": "-",
     "ktsign: sign: takes KEY FILE...; see ktsign --help": "sign key",
     "ktsign: show: takes FILE; see ktsign --help": "show key file",
     "ktsign: sign: SIG requires exactly one FILE; see ktsign --help": "sign -o new key file text",
@@ -23,6 +24,7 @@ REFUSALS = {
     "ktsign: verify: standard input is named more than once": "verify -s - key.pub -",
     "ktsign: new-key: --passphrase-fd requires --encrypt; see ktsign --help": "new-key new --passphrase-fd 0",
     "ktsign: -o: needs a value; see ktsign --help": "sign key file -o",
+    "ktsign: --force=yes: takes no value; see ktsign --help": "sign --force=yes key file",
     "ktsign: -none: No such file or directory": "sign key -- -none",
     "ktsign: -key: not an option; write ./-key for a file of this name": "sign -key file",
     "ktsign: --passphrase-fd: not a descriptor: 1x": "show key --passphrase-fd 1x",
@@ -30,14 +32,14 @@ REFUSALS = {
     "ktsign: key: File exists": "new-key key",
     "ktsign: half.pub: File exists": "new-key half",
     "ktsign: new-key: a key pair is two files, not standard output": "new-key -",
-    'ktsign: text: exists; "ktsign public-key" makes its public key': "new-key text",
-    'ktsign: half.pub: exists; "ktsign public-key" makes its public key': "new-key half.pub",
+    'ktsign: text: exists; if it is a private key, "ktsign public-key" makes its public key': "new-key text",
+    "ktsign: alone: exists and is not encrypted": "new-key --encrypt --passphrase-fd 0 alone",
     "ktsign: new: the passphrase is empty": "new-key --encrypt --passphrase-fd 0 new",
     "ktsign: nowhere/new: No such file or directory": "new-key nowhere/new",
     "ktsign: none: No such file or directory": "sign none file",
     'ktsign: "": No such file or directory': "show ",
     "ktsign: line\\x0aend: No such file or directory": "show line\nend",
-    "ktsign: \\xffÿ\\\\: No such file or directory": "show \udcffÿ\\",
+    "ktsign: \\xffÿ\\\\\\xe2\\x80\\xae: No such file or directory": "show \udcffÿ\\\u202e",
     "ktsign: half.pub: Is a directory": "sign key half.pub",
     "ktsign: .: Is a directory": "sign -o . key file",
     "ktsign: text: exists and is not a signature; --force replaces it": "sign -o text key file",
@@ -47,7 +49,8 @@ REFUSALS = {
     "ktsign: loop: Too many levels of symbolic links": "sign -o loop key file",
     "ktsign: text/new: Not a directory": "sign -o text/new key file",
     "ktsign: forty.sig: is an input and would be overwritten": "sign key forty",
-    "ktsign: new: is an input and would be overwritten": "sign -o new key new",
+    "ktsign: ./new: is an input and would be overwritten": "sign -o ./new key new",
+    "ktsign: alone.pub: is an input and would be overwritten": "sign -o alone.pub alone file",
     "ktsign: key: is an input and would be overwritten": "public-key --force key key",
     "ktsign: key.pub: is an input and would be overwritten": "sign --force -o key.pub key file",
     "ktsign: /dev/full: No space left on device": "sign -o /dev/full key file",
@@ -58,9 +61,11 @@ REFUSALS = {
     "ktsign: large: not a DSA key with a p of 512 bits and a q of 160": "sign large file",
     "ktsign: foreign: a key of another domain": "sign foreign file",
     "ktsign: squared: a key of another domain": "sign squared file",
-    "ktsign: mixed: the public value does not belong to the private key": "sign mixed file",
+    "ktsign: mixed: a damaged key: its numbers do not belong together": "sign mixed file",
     "ktsign: zero: the private key is out of range": "sign zero file",
     "ktsign: strange.pub: not the public key of strange": "sign strange file",
+    "ktsign: linked.pub: No such file or directory": "sign linked file",
+    "ktsign: old: libcrypto: unsupported": "sign --passphrase-fd 0 old file",
     "ktsign: locked: no terminal for the passphrase; use --passphrase-fd": "sign locked file",
     "ktsign: passphrase descriptor 77: Bad file descriptor": "show locked --passphrase-fd 77",
     "ktsign: standard input: its signature has no name; use -o": "sign key -",
@@ -68,13 +73,14 @@ REFUSALS = {
     "ktsign: text: not a public key, which has 256 bytes": "verify text file",
     "ktsign: text: not a signature, which has 40 bytes": "verify -s text key.pub file",
     "ktsign: key: not a signature, which has 40 bytes": "verify -s key key.pub file",
-    "ktsign: p.pub: not a sound public key: component 0 is not below p": "verify p.pub file",
-    "ktsign: one.pub: not a sound public key: y is not above 1": "verify one.pub file",
-    "ktsign: two.pub: not a sound public key: y^q is not 1": "verify two.pub file",
-    "ktsign: swapped.pub: not a sound public key: its components are not powers of one y":
+    "ktsign: p.pub: not a sound public key of this domain: component 0 is not below p": "verify p.pub file",
+    "ktsign: one.pub: not a sound public key of this domain: y is not above 1": "verify one.pub file",
+    "ktsign: two.pub: not a sound public key of this domain: y^q is not 1": "verify two.pub file",
+    "ktsign: swapped.pub: not a sound public key of this domain: its components are not powers of one y":
         "verify swapped.pub file",
     "ktsign: text: not a private key, a public key or a domain": "show text",
     "ktsign: forty: not a private key, a public key or a domain": "show forty",
+    "ktsign: key.der: not a private key, a public key or a domain": "show key.der",
     "ktsign: long: not a key or a domain: too long": "show long",
     'ktsign: bad.domain: no line "p = HEX"': "show bad.domain",
     "verify_file: text: not a public key, which has 256 bytes": "text file key.pub",
@@ -144,6 +150,11 @@ class Refusals(Test):
         self.does("new-key", "foreign", program=BUILT + "/ktsign_fresh")
         os.remove("foreign.pub")
         openssl("pkey -in key -aes256 -passout pass:secret -out locked")
+        openssl("pkey -in key -des -passout pass:secret -out old -provider legacy -provider default")
+        openssl("pkey -in key -outform DER -out key.der")
+        for name in ["alone", "linked"]:
+            shutil.copy("key", name)
+        os.symlink("missing", "linked.pub")
         write_private_key("mixed", G, x=1, y=2)
         write_private_key("zero", G, x=0, y=1)
         write_private_key("squared", G * G % P, x=1, y=G * G % P)
@@ -187,6 +198,10 @@ class Refusals(Test):
         done = run("-c", f"ulimit -f 0; '{KTSIGN}' sign key file", program="bash")
         self.assertEqual((2, "ktsign: file.sig: File too large\n"), (done.returncode, done.stderr))
         self.assertFalse(os.path.exists("file.sig"))
+
+    def test_a_closed_standard_input_is_an_error(self):
+        done = run("-c", f"'{KTSIGN}' sign -o new key /dev/stdin <&-", program="bash")
+        self.assertEqual((2, "ktsign: /dev/stdin: Is a directory\n"), (done.returncode, done.stderr))
 
     def test_a_full_standard_output_is_an_error(self):
         self.does("sign", "key", "file")
