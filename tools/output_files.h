@@ -30,7 +30,7 @@ std::optional<FileIdentity> file_identity(const std::string& name);
 struct Replacement {
     std::string kind;           // for messages
     std::optional<off_t> size;  // files of this size and empty files are replaced
-    bool forced = false;        // any regular file
+    bool forced;                // any regular file
 };
 
 // One output. Symbolic links are followed. A pipe, a terminal and standard output (the name "-")

@@ -14,7 +14,8 @@
 
 constexpr std::size_t kMaxKeyFileBytes = (1 << 14) - 1;
 
-using SignatureBlob = std::array<unsigned char, 40>;  // r, then s, least significant byte first
+// r, then s, least significant byte first.
+using SignatureBlob = std::array<unsigned char, kSignatureBytes>;
 
 // A DSA key with y = g^x. Every function throws Failure.
 class PrivateKey {

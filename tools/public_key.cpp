@@ -1,6 +1,5 @@
 #include "public_key.h"
 
-#include "domain_shape.h"
 #include "input_files.h"
 
 namespace {
@@ -32,7 +31,7 @@ Number from_montgomery_form(const BIGNUM* form, const BIGNUM* p) {
 }  // namespace
 
 PublicKeyBlob read_public_key(const std::string& name) {
-    return read_blob<kPublicKeyBytes>(name, "public key");
+    return read_blob<sizeof(PublicKeyBlob)>(name, "public key");
 }
 
 PublicKeyBlob public_key_of(const BIGNUM* y, const BIGNUM* p) {

@@ -6,9 +6,10 @@
 #include <string>
 
 #include "domain.h"
+#include "domain_shape.h"
 
 // For j = 0 to 3 the number y^(2^(40j)) * 2^512 mod p, 64 bytes each, least significant first.
-using PublicKeyBlob = std::array<unsigned char, 256>;
+using PublicKeyBlob = std::array<unsigned char, kPublicKeyBytes>;
 
 PublicKeyBlob read_public_key(const std::string& name);  // throws Failure
 

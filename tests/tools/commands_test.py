@@ -66,10 +66,12 @@ class Commands(Test):
     def test_standard_output_is_written_through(self):
         with open("collected", "wb") as collected:
             for _ in range(2):
-                subprocess.run([KTSIGN, "sign", "-o", "-", "key", "file"], stdout=collected, check=True)
+                subprocess.run(["strace", "-o", "trace", KTSIGN, "sign", "-o", "-", "key", "file"],
+                               stdout=collected, check=True)
             named = subprocess.run([KTSIGN, "sign", "-o", "/dev/stdout", "key", "file"], stdout=collected)
         self.assertEqual(2, named.returncode)
         self.assertEqual(80, os.path.getsize("collected"))
+        self.assertIn("\nfsync(1)", pathlib.Path("trace").read_text())
         piped = subprocess.run([KTSIGN, "sign", "-o", "-", "key", "file"], stdout=subprocess.PIPE, check=True)
         self.assertEqual(40, len(piped.stdout))
 

@@ -17,6 +17,8 @@ REFUSALS = {
     "ktsign: -: not a command; see ktsign --help": "-",
     "ktsign: sign: takes KEY FILE...; see ktsign --help": "sign key",
     "ktsign: show: takes FILE; see ktsign --help": "show key file",
+    "ktsign: new-key: takes KEY; see ktsign --help": "new-key new other",
+    "ktsign: --version: takes nothing; see ktsign --help": "--version key",
     "ktsign: sign: SIG requires exactly one FILE; see ktsign --help": "sign -o new key file text",
     "ktsign: verify: does not take --force; see ktsign --help": "verify --force key.pub file",
     "ktsign: show: does not take --version; see ktsign --help": "show key --version",
