@@ -53,10 +53,9 @@ const std::vector<Command>& commands() {
 }
 
 int parse_descriptor(const std::string& text) {
-    int fd = -1;
+    int fd = -1;  // from_chars does not change it if there is no number
     const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, fd);
-    if (error != std::errc() || stop != end || fd < 0)
+    if (std::from_chars(text.data(), end, fd).ptr != end || fd < 0)
         throw Failure("--passphrase-fd: not a descriptor: " + quoted(text, "-"));
     return fd;
 }

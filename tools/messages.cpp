@@ -6,14 +6,18 @@
 #include <cstring>
 #include <cwchar>
 #include <cwctype>
+#include <new>
+#include <string_view>
 
 namespace {
 
-// False for the marks of Unicode that change the direction of the text after them.
+// Characters of Unicode that change the direction of the text after them.
+constexpr std::wstring_view kDirectionMarks =
+    L"\u200E\u200F\u202A\u202B\u202C\u202D\u202E\u2066\u2067\u2068\u2069";
+
 bool is_printed_in_order(wchar_t c) {
-    const bool mark = (c >= 0x200E && c <= 0x200F) || (c >= 0x202A && c <= 0x202E) ||
-                      (c >= 0x2066 && c <= 0x2069);
-    return std::iswprint(static_cast<std::wint_t>(c)) != 0 && !mark;
+    return std::iswprint(static_cast<std::wint_t>(c)) != 0 &&
+           kDirectionMarks.find(c) == std::wstring_view::npos;
 }
 
 }  // namespace
@@ -55,8 +59,8 @@ void print_error(const std::string& message) {
 }
 
 void print_error(const std::exception& error) {
-    const bool no_memory = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;
-    print_error(no_memory ? "out of memory" : error.what());
+    const bool is_shortage = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;
+    print_error(is_shortage ? "out of memory" : error.what());
 }
 
 void print_line(const std::string& line) {

@@ -185,10 +185,13 @@ bool has_content(const std::string& name, ConstBytes content) {
     }
 }
 
+FileIdentity identity_of(const struct stat& status) {
+    return {status.st_dev, status.st_ino};
+}
+
 bool is_standard_output(const struct stat& status) {
     struct stat output;
-    return fstat(STDOUT_FILENO, &output) == 0 && output.st_dev == status.st_dev &&
-           output.st_ino == status.st_ino;
+    return fstat(STDOUT_FILENO, &output) == 0 && identity_of(output) == identity_of(status);
 }
 
 }  // namespace
@@ -202,7 +205,7 @@ bool name_exists(const std::string& name) {
 
 std::optional<FileIdentity> file_identity(const std::string& name) {
     struct stat status;
-    if (stat(name.c_str(), &status) == 0) return FileIdentity{status.st_dev, status.st_ino};
+    if (stat(name.c_str(), &status) == 0) return identity_of(status);
     if (errno != ENOENT) fail_with_errno(name);
     return std::nullopt;
 }
@@ -212,7 +215,7 @@ OutputFile::OutputFile(const std::string& name, Replacement replacement)
 
 std::optional<FileIdentity> OutputFile::identity() const {
     if (!state_.status) return std::nullopt;
-    return FileIdentity{state_.status->st_dev, state_.status->st_ino};
+    return identity_of(*state_.status);
 }
 
 OutputFile::State OutputFile::query() const {

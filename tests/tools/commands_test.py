@@ -164,8 +164,16 @@ class Commands(Test):
         self.assertEqual(2, with_passphrase("one" * 200, "sign", "locked", "file").returncode)
         self.assertEqual(2, on_a_terminal("new-key", "--encrypt", "other", typed="one\ntwo\n")[0])
         self.assertFalse(os.path.exists("other"))
-        self.assertEqual(2, on_a_terminal("sign", "locked", "file", typed="x" * 513 + "\n")[0])
+        for typed in ["\x04", "x" * 513 + "\n"]:
+            self.assertEqual(2, on_a_terminal("sign", "locked", "file", typed=typed)[0])
         self.assertEqual(-signal.SIGINT, on_a_terminal("sign", "locked", "file", typed="\x03")[0])
+
+    def test_a_lost_half_of_an_encrypted_pair_is_made_again(self):
+        new_key = ["new-key", "--encrypt", "locked"]
+        self.assertEqual(0, with_passphrase("one", *new_key).returncode)
+        os.remove("locked.pub")
+        self.assertEqual("ktsign: locked: kept; made the missing locked.pub from it\n",
+                         with_passphrase("one", *new_key).stderr)
 
     def test_two_runs_for_one_key_leave_a_pair(self):
         delay = ["strace", "-qq", "-o", "/dev/null", "-e", "inject=linkat:delay_enter=2000000:when=2"]
