@@ -28,9 +28,11 @@ void show_public_key(const PublicKeyBlob& key) {
     if (!reason.empty()) print_value("reason", reason);
 }
 
+constexpr std::string_view kSpaces = "\n\r\t";
+
 bool is_text(std::string_view content) {
     return std::all_of(content.begin(), content.end(), [](char c) {
-        return (c >= ' ' && c <= '~') || c == '\n' || c == '\r' || c == '\t';
+        return (c >= ' ' && c <= '~') || kSpaces.find(c) != std::string_view::npos;
     });
 }
 
