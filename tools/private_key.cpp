@@ -114,7 +114,7 @@ SignatureBlob encode(const std::vector<unsigned char>& der) {
 
 // libcrypto's function for this format does not take the parameters of scrypt.
 void write_encrypted(BIO* stream, const EVP_PKEY* key, const SecretBytes& passphrase) {
-    std::array<unsigned char, kSaltBytes> salt;
+    std::array<unsigned char, kSaltBytes> salt{};
     checked(RAND_bytes(salt.data(), kSaltBytes) == 1);
     Algorithm algorithm(checked(PKCS5_pbe2_set_scrypt(EVP_aes_256_cbc(), salt.data(), kSaltBytes,
                                                       nullptr, kScryptN, kScryptR, kScryptP)));

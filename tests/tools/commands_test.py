@@ -68,8 +68,9 @@ class Commands(Test):
             for _ in range(2):
                 subprocess.run(["strace", "-o", "trace", KTSIGN, "sign", "-o", "-", "key", "file"],
                                stdout=collected, check=True)
-            named = subprocess.run([KTSIGN, "sign", "-o", "/dev/stdout", "key", "file"], stdout=collected)
-        self.assertEqual(2, named.returncode)
+            named = subprocess.run([KTSIGN, "sign", "-o", "/dev/stdout", "key", "file"],
+                                   stdout=collected, stderr=subprocess.PIPE)
+        self.assertEqual(b"ktsign: /dev/stdout: is standard output; its name is -\n", named.stderr)
         self.assertEqual(80, os.path.getsize("collected"))
         self.assertIn("\nfsync(1)", pathlib.Path("trace").read_text())
         piped = subprocess.run([KTSIGN, "sign", "-o", "-", "key", "file"], stdout=subprocess.PIPE, check=True)
@@ -118,10 +119,12 @@ class Commands(Test):
         self.assertIn("\nsound no\nreason y is not above 1\n", self.does("show", "zero.pub"))
 
     def test_every_object_of_a_domain_shows_its_fingerprint(self):
-        fingerprints = [value(self.does("show", name), "domain-fingerprint")
-                        for name in ["key", "key.pub", os.environ["DOMAIN"]]]
-        fingerprints.append(value(self.does("--version"), "domain-fingerprint"))
-        self.assertEqual(fingerprints[:1] * 4, fingerprints)
+        version, fingerprint = self.does("--version").splitlines()
+        self.assertRegex(version, r"^ktsign [\d.]+$")
+        for kind, name in {"private-key": "key", "public-key": "key.pub", "domain": os.environ["DOMAIN"]}.items():
+            shown = self.does("show", name).splitlines()
+            self.assertEqual(f"kind {kind}", shown[0])
+            self.assertIn(fingerprint, shown)
 
     def test_help_is_an_option_of_every_command(self):
         self.assertIn("usage: ktsign", self.does("sign", "key", "--help"))
@@ -161,12 +164,24 @@ class Commands(Test):
         self.assertEqual(0, with_passphrase("one", "sign", "locked", "file").returncode)
         self.assertEqual("ktsign: locked: wrong passphrase, or a damaged key\n",
                          with_passphrase("two", "sign", "locked", "file").stderr)
-        self.assertEqual(2, with_passphrase("one" * 200, "sign", "locked", "file").returncode)
+        for typed, reason in {"\x04": "no passphrase was entered", "x" * 512: "wrong passphrase",
+                              "x" * 513: "too long for a passphrase"}.items():
+            self.assertIn(reason, on_a_terminal("show", "locked", typed=typed + "\n")[1])
+        for line, reason in {"x" * 512: "wrong passphrase", "x" * 513: "too long for a passphrase"}.items():
+            self.assertIn(reason, with_passphrase(line, "show", "locked").stderr)
         self.assertEqual(2, on_a_terminal("new-key", "--encrypt", "other", typed="one\ntwo\n")[0])
         self.assertFalse(os.path.exists("other"))
-        for typed in ["\x04", "x" * 513 + "\n"]:
-            self.assertEqual(2, on_a_terminal("sign", "locked", "file", typed=typed)[0])
         self.assertEqual(-signal.SIGINT, on_a_terminal("sign", "locked", "file", typed="\x03")[0])
+
+    def test_an_encrypted_key_has_the_documented_form(self):
+        salts = set()
+        for name in ["one", "two"]:
+            with_passphrase("secret", "new-key", "--encrypt", name)
+            parsed = self.does("asn1parse", "-in", name, program="openssl")
+            salts.add(re.search(r"HEX DUMP\]:(\w{32})\n", parsed)[1])
+            self.assertEqual(["4000", "08", "05"], re.findall(r"INTEGER +:(\w+)", parsed))
+            self.assertIn(":aes-256-cbc\n", parsed)
+        self.assertEqual(2, len(salts))
 
     def test_a_lost_half_of_an_encrypted_pair_is_made_again(self):
         new_key = ["new-key", "--encrypt", "locked"]
@@ -189,6 +204,7 @@ class Commands(Test):
         shown = on_a_terminal("sign", "key", "file")[1]
         self.assertIn("\rktsign: 50 % read", shown)
         self.assertEqual("", shown.rsplit("\r", 1)[1].strip())
+        self.does("sign", "key", "file")  # prints no progress on a pipe
 
     def test_a_private_key_readable_by_others_causes_a_warning(self):
         os.chmod("key", 0o640)

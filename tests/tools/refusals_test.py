@@ -18,6 +18,7 @@ REFUSALS = {
     "ktsign: sign: takes KEY FILE...; see ktsign --help": "sign key",
     "ktsign: show: takes FILE; see ktsign --help": "show key file",
     "ktsign: new-key: takes KEY; see ktsign --help": "new-key new other",
+    "ktsign: public-key: takes KEY PUB; see ktsign --help": "public-key key new other",
     "ktsign: --version: takes nothing; see ktsign --help": "--version key",
     "ktsign: sign: SIG requires exactly one FILE; see ktsign --help": "sign -o new key file text",
     "ktsign: verify: does not take --force; see ktsign --help": "verify --force key.pub file",
@@ -54,7 +55,7 @@ REFUSALS = {
     "ktsign: ./new: is an input and would be overwritten": "sign -o ./new key new",
     "ktsign: alone.pub: is an input and would be overwritten": "sign -o alone.pub alone file",
     "ktsign: key: is an input and would be overwritten": "public-key --force key key",
-    "ktsign: key.pub: is an input and would be overwritten": "sign --force -o key.pub key file",
+    "ktsign: same.pub: is an input and would be overwritten": "sign --force -o same.pub key file",
     "ktsign: /dev/full: No space left on device": "sign -o /dev/full key file",
     "ktsign: long: too long; the limit is 2^29 - 1 bytes": "sign key long",
     "ktsign: text: not a private key in PEM": "sign text file",
@@ -144,6 +145,7 @@ class Refusals(Test):
         pathlib.Path("bad.domain").write_text("q = 1")
         pathlib.Path("forty").write_bytes(bytes(40))
         os.link("forty", "forty.sig")
+        os.link("key.pub", "same.pub")
         pathlib.Path("long").touch()
         os.truncate("long", 1 << 29)
         openssl("genpkey -algorithm RSA -pkeyopt rsa_keygen_bits:1024 -out rsa")
