@@ -25,8 +25,6 @@ constexpr unsigned kDigestBytes = 16;
 
 constexpr std::uint32_t kInitialState[4] = {0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476};
 
-constexpr unsigned char kPadding[kBlockBytes] = {0x80};
-
 // T[1] to T[64] of section 3.4: the integer part of 2^32 * abs(sin(t)), t in radians.
 constexpr std::uint32_t kSines[64] = {
     0xd76aa478, 0xe8c7b756, 0x242070db, 0xc1bdceee, 0xf57c0faf, 0x4787c62a, 0xa8304613, 0xfd469501,
@@ -167,11 +165,12 @@ int GetBufferMD5(unsigned char* digest, const unsigned char* input, unsigned len
 }
 
 void MD5Final(unsigned char* digest, MD5_CTX* ctx) {
-    unsigned char length[kLengthBytes];
-    std::memcpy(length, ctx->count, kLengthBytes);
+    // A bit 1, then zeros up to 8 bytes before the end of a block, then the count.
+    unsigned char padding[kBlockBytes + kLengthBytes] = {0x80};
     const unsigned used = buffered_bytes(ctx);
-    MD5Update(ctx, kPadding, (used < 56 ? 56 : 120) - used);
-    MD5Update(ctx, length, kLengthBytes);
+    const unsigned zeros_end = (used < 56 ? 56 : 120) - used;
+    std::memcpy(padding + zeros_end, ctx->count, kLengthBytes);
+    MD5Update(ctx, padding, zeros_end + kLengthBytes);
     std::memcpy(digest, ctx->state, kDigestBytes);
     explicit_bzero(ctx, sizeof *ctx);  // the compiler may drop a memset whose result is not read
 }
