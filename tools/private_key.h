@@ -31,7 +31,7 @@ public:
     PublicKeyBlob public_key() const;
     // Signs a finished digest in the built-in domain. Before the signature is returned, libcrypto
     // and the library's own code verify it. A signature made with a fault of the processor, the
-    // memory or the key would reveal the private key.
+    // memory or the key can reveal the private key.
     SignatureBlob sign(const HASH_CTX& digest) const;
 
 private:

@@ -1,4 +1,4 @@
-// sign.
+// The command sign.
 #include <set>
 #include <string>
 

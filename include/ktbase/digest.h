@@ -38,7 +38,7 @@ void InitHash(HASH_CTX* ctx);
 
 // Absorbs `length` bytes of `buffer`. `buffer` may have any alignment. It is only read; a caller
 // with constant data may cast the const away. The digest does not depend on how a message is split
-// among calls. With a length of 0, neither `ctx` nor `buffer` is accessed.
+// among calls. With a length of 0, nothing changes and `buffer` is not read.
 // `ctx` must be absorbing; otherwise the digest is unspecified. `buffer` must not overlap `*ctx`.
 void HashBuf(unsigned char* buffer, unsigned length, HASH_CTX* ctx);
 
