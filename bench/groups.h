@@ -15,7 +15,7 @@ void bench_arithmetic(const Peers& peers);
 void bench_conversions();
 void bench_platform();
 
-// Each result is checked before the measurement.
+// Throws if a result is wrong.
 inline void check(bool right, const std::string& what) {
     if (!right) throw std::runtime_error("wrong result: " + what);
 }

@@ -1,5 +1,5 @@
-// The chains of dependent instructions that every implementation of a digest contains. They have no
-// loads, no message schedule and no sums, so they compute no digest.
+// The chains of dependent instructions that limit the speed of the digests. They have no loads, no
+// message schedule and no sums, so they compute no digest.
 #ifndef KTBASE_BENCH_LIMITS_H
 #define KTBASE_BENCH_LIMITS_H
 

@@ -1,7 +1,7 @@
 # Debian packages, one for each component, for cpack -G DEB.
 #
-# With a 64-bit compiler, the packages have its architecture and contain 32-bit code in /usr/lib32, like
-# Debian's lib32* packages. They need no foreign architecture.
+# With a 64-bit compiler, the packages have its architecture. The library in them is 32-bit code in /usr/lib32, as
+# in Debian's lib32* packages. No package needs a foreign architecture.
 if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
   return()  # the paths of the packages need this prefix
 endif()

@@ -93,6 +93,7 @@ void InitHash(HASH_CTX* ctx) {
 }
 
 void HashBuf(unsigned char* buffer, unsigned length, HASH_CTX* ctx) {
+    if (length == 0) return;  // before any access to the record
     ctx->count += length;
     while (length != 0) {
         const unsigned absorbed = absorb_some(ctx, buffer, length);

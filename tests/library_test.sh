@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Examines the dependencies, exports and imports of the built library, and the functions that run at load.
-# usage: library_test.sh LIBKTBASE BZERO    BZERO: the form of explicit_bzero that it calls
+# usage: library_test.sh LIBKTBASE BZERO    BZERO: the form of explicit_bzero that the library calls
 set -u
 library=$1 bzero=$2
 failures=0

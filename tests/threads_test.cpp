@@ -10,7 +10,7 @@
 namespace {
 
 void use_all_services() {
-    // First, because the threads also choose the kernels at once.
+    // The first service uses a kernel, so the threads also choose the kernels at the same time.
     check_product({1, 2, 3}, {4, 5, 6}, {7, 8, 9});
     check_sha(Bytes(200, 'a'), {10, 64});
     check_md5(Bytes(200, 'a'), {10, 64});

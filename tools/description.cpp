@@ -1,4 +1,4 @@
-// show: prints the kind of a file and its fingerprints, as lines of a name and a value.
+// The command show: prints the kind of a file and its fingerprints, as lines of a name and a value.
 #include <algorithm>
 #include <string_view>
 

@@ -83,7 +83,7 @@ std::string generate_domain_file() {
                                  line(parameters.get(), OSSL_PKEY_PARAM_FFC_Q) +
                                  line(parameters.get(), OSSL_PKEY_PARAM_FFC_G);
         try {
-            // The library refuses a p with a top limb of 0xFFFF, which is one p in 2^15.
+            // check_domain refuses a p with a top limb of 0xFFFF, which is one p in 2^15.
             const DomainNumbers domain = parse_domain_file("the new domain", text);
             return "# domain-fingerprint " + fingerprint(domain) + "\n" + text;
         } catch (const Failure&) {

@@ -24,7 +24,8 @@ public:
 
     // Fills `buffer`. Returns the bytes read, fewer than its size only at the end of the file.
     std::size_t read(std::span<unsigned char> buffer);
-    // Throws Failure if the size or a time has changed since the file was opened.
+    // Throws Failure if the size, the time of modification or the time of change differs from that
+    // at the open. Accepts any file that is not regular.
     void require_unchanged() const;
 
 private:

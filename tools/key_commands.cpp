@@ -1,4 +1,4 @@
-// new-domain, new-key and public-key.
+// The commands new-domain, new-key and public-key.
 #include <sys/stat.h>
 #include <unistd.h>
 

@@ -1,4 +1,5 @@
-// ktsign: makes domains, keys and signatures for the library, and verifies them with its code.
+// ktsign: makes domains, keys and signatures for the library, and verifies signatures with the
+// library's code.
 #include <fcntl.h>
 #include <unistd.h>
 

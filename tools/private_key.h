@@ -33,7 +33,7 @@ public:
     bool was_encrypted() const { return was_encrypted_; }  // in the PEM text
     // Signs a finished digest in the built-in domain. Before the signature is returned, libcrypto
     // and the library's own code verify it. A signature made with a fault of the processor, the
-    // memory or the key would reveal the private key.
+    // memory or the key can reveal the private key.
     SignatureBlob sign(const HASH_CTX& digest) const;
 
 private:

@@ -1,4 +1,4 @@
-// sign.
+// The command sign.
 #include <filesystem>
 #include <set>
 #include <string>

@@ -1,4 +1,4 @@
-// verify.
+// The command verify.
 #include "verification.h"
 
 #include <ktbase/longarith.h>

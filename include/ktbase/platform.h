@@ -172,7 +172,7 @@ public:
     // entry. Leaves errno unchanged.
     void setAttr();
 
-    // Returns `lastName`, and builds it first if it is null. Returns null if there is no memory.
+    // Returns `lastName`, and builds it first if it is null. Returns null if setLastName returns 0.
     const char* getLastName();
 
     dirent64* entry = nullptr;     // the stream's record, valid until the next entry is current

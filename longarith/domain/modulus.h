@@ -21,7 +21,8 @@ public:
     Limbs power_of_two(int exponent) const;
     Limbs residue(const Limbs& a) const;  // of a number of any width
 
-    // Operands and results in Montgomery form. The exponent is an ordinary number.
+    // Operands and results in Montgomery form. The exponent and the operand of to_montgomery_form
+    // are ordinary numbers.
     const Limbs& one() const { return one_; }
     Limbs to_montgomery_form(const Limbs& a) const;
     Limbs multiply(Limbs a, Limbs b) const;

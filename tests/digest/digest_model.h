@@ -52,8 +52,8 @@ inline std::vector<HASH_CTX> records_after_blocks(const Bytes& message) {
     return records;
 }
 
-// The record after `size` bytes. Each byte of an incomplete word shifts the word of the block
-// before.
+// The record after `size` bytes. Each byte of the incomplete block is shifted into the word that
+// the previous block left in this place.
 inline HASH_CTX record_after(const std::vector<HASH_CTX>& after_blocks, const Bytes& message,
                              std::uint32_t size) {
     HASH_CTX record = after_blocks[size / 64];

@@ -49,8 +49,8 @@ TEST(Md5, pieces_of_every_size_have_the_digest_of_the_whole) {
 }
 
 // The record buffers 57 bytes. The input is ten bytes of the buffer from offset 54, which complete
-// the block and overlap their copy.
-TEST(Md5, input_may_overlap_the_record) {
+// the block and overlap their copy. The header excludes such an input.
+TEST(Md5, input_that_overlaps_its_copy_is_moved) {
     const Bytes buffer = random_bytes(64);
     MD5_CTX ctx = {{1, 2, 3, 4}, {57 * 8, 0}, {}};
     std::copy(buffer.begin(), buffer.end(), ctx.buffer);

@@ -33,6 +33,10 @@ TEST(Sha, digests_equal_the_known_answers) {
     }
 }
 
+TEST(Sha, a_length_of_zero_accesses_nothing) {
+    HashBuf(nullptr, 0, nullptr);
+}
+
 TEST(Sha, lengths_are_unsigned) {
     Bytes bytes(1000, 1);
     EXPECT_DEATH(HashBuf(bytes.data(), 0x80000001U, &Hash), "");

@@ -63,7 +63,7 @@ class Commands(Test):
         self.does("sign", "key", "file", "key.pub", umask=0o027)
         self.assertEqual([0o100640] * 2, [os.stat(name).st_mode for name in ["file.sig", "key.pub.sig"]])
 
-    def test_standard_output_is_written_through(self):
+    def test_standard_output_is_written_in_place(self):
         with open("collected", "wb") as collected:
             for _ in range(2):
                 subprocess.run(["strace", "-o", "trace", KTSIGN, "sign", "-o", "-", "key", "file"],
