@@ -31,7 +31,7 @@ TEST(CommandLine, full_paths_start_at_the_program) {
 
 TEST(CommandLine, words_are_split_at_spaces_outside_quotes) {
     for (const char* text : {"  one \"two three\"four  five", "ab\"c d\"e", "say \"\"", "a \"b c ",
-                             "x\ty", " ", "\"", "a\"b\"\"c\""})
+                             "\tx\ty", " ", "\"", "a\"b\"\"c\""})
         check_command_line("./program", "name", text);
 }
 

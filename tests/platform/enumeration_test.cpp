@@ -86,6 +86,7 @@ TEST_F(Platform, an_entry_has_the_size_of_the_target_of_a_link) {
 TEST_F(Platform, the_getters_of_a_link_follow_the_flag) {
     write("ten");
     fs::create_symlink("ten", "link");
+    bFollowLinks = 128;
     const Enumeration enumeration("link");
     EXPECT_STREQ(KtFindGetFileName(enumeration.found), "link");
     EXPECT_EQ(KtFindGetFileSize(enumeration.found), 10);
@@ -112,6 +113,7 @@ TEST_F(Platform, enumerations_count_until_their_end) {
     SYS_MAXFILES = 1;
     const Enumeration enumeration("a");
     EXPECT_EQ(SYS_OPENFILES, 1);
+    EXPECT_STREQ(setlocale(LC_ALL, nullptr), "C");
     Dirent* found = enumeration.found;
     EXPECT_EQ(KtFindClose(enumeration.find, &found), 0);
     EXPECT_EQ(SYS_OPENFILES, 1);

@@ -29,6 +29,7 @@ TEST_F(Platform, local_dates_convert_in_both_directions) {
         EXPECT_EQ(KtTimeToLocalDate(time, &date), &date);
         EXPECT_EQ(KtLocalDateToTime(&date), time);
     }
+    EXPECT_STREQ(date.tm_zone, "CEST");
     date.tm_isdst = 0;
     EXPECT_EQ(KtLocalDateToTime(&date), kRepeatedHour + 3600);
     date.tm_year = INT32_MAX;
