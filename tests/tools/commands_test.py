@@ -60,8 +60,8 @@ class Commands(Test):
         self.assertEqual((owner, 0o100640), (os.stat("file.sig").st_uid, os.stat("file.sig").st_mode))
 
     def test_new_files_have_the_permissions_of_the_umask(self):
-        self.does("sign", "key", "file", "key.pub", umask=0o027)
-        self.assertEqual([0o100640] * 2, [os.stat(name).st_mode for name in ["file.sig", "key.pub.sig"]])
+        self.does("sign", "key", "file", "key.pub", umask=0o020)
+        self.assertEqual([0o100646] * 2, [os.stat(name).st_mode for name in ["file.sig", "key.pub.sig"]])
 
     def test_standard_output_is_written_in_place(self):
         with open("collected", "wb") as collected:
@@ -80,6 +80,8 @@ class Commands(Test):
         self.does("sign", "--passphrase-fd", "0", "-o", "signature", "key", "-", input="unused\ncontent")
         self.assertEqual("standard input: valid\n",
                          self.does("verify", "-s", "signature", "key.pub", "-", input="content"))
+        with open("signature") as signature:
+            self.does("verify", "-s", "-", "key.pub", "file", stdin=signature)
 
     def test_a_private_key_is_read_from_standard_input(self):
         self.does("sign", "-", "file", input=pathlib.Path("key").read_text())

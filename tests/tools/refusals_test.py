@@ -67,7 +67,7 @@ REFUSALS = {
     "ktsign: mixed: a damaged key: its numbers do not belong together": "sign mixed file",
     "ktsign: zero: the private key is out of range": "sign zero file",
     "ktsign: strange.pub: not the public key of strange": "sign strange file",
-    "ktsign: linked.pub: No such file or directory": "sign linked file",
+    "ktsign: linked.pub: No such file or directory": "public-key --force linked forty",
     "ktsign: old: libcrypto: unsupported": "sign --passphrase-fd 0 old file",
     "ktsign: locked: no terminal for the passphrase; use --passphrase-fd": "sign locked file",
     "ktsign: passphrase descriptor 77: Bad file descriptor": "show locked --passphrase-fd 77",
